@@ -1,0 +1,71 @@
+/*
+ * omns_exports.h - the list of every function the library exports, in
+ * dispatch-table order.
+ *
+ * This file is the single source of truth for the exports.  It holds nothing
+ * but entries; whoever includes it defines the two entry macros first and so
+ * decides what an entry becomes.  From this one list are derived:
+ *   - the prototypes of the public header (omns.h),
+ *   - the forwarding stubs and their slots (core/stubs.S),
+ *   - the per-column declarations and the dispatch table (core/),
+ *   - the tests' per-column access to every variant (tests/).
+ *
+ *   OMN_EXPORT(ret, name, params)
+ *       a function with its own variant in each column (omn::px::name,
+ *       omn::a6::name, omn::w7::name, omn::t7::name).
+ *   OMN_EXPORT_COMMON(ret, name, params)
+ *       one function that serves all four columns (omn::common::name).
+ *
+ * Families are added at their place in the dispatch order as they are built.
+ * The file has no include guard on purpose: it is included several times.
+ */
+
+/* Processor identification and floating-point controls */
+OMN_EXPORT_COMMON(int,       omnGetCpuType,        (void))
+OMN_EXPORT_COMMON(Omn64u,    omnGetCpuClocks,      (void))
+OMN_EXPORT_COMMON(OmnStatus, omnSetFlushToZero,    (int value, Omn32u* pUMask))
+OMN_EXPORT_COMMON(OmnStatus, omnSetDenormAreZeros, (int value))
+
+/* Version record of the signal-processing group */
+OMN_EXPORT(const OmnLibVersion*, omnsGetLibVersion, (void))
+
+/* Copies (no overlap) */
+OMN_EXPORT(OmnStatus, omnsCopy_8u,   (const Omn8u* pSrc, Omn8u* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsCopy_16s,  (const Omn16s* pSrc, Omn16s* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsCopy_16sc, (const Omn16sc* pSrc, Omn16sc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsCopy_32f,  (const Omn32f* pSrc, Omn32f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsCopy_32fc, (const Omn32fc* pSrc, Omn32fc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsCopy_64f,  (const Omn64f* pSrc, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsCopy_64fc, (const Omn64fc* pSrc, Omn64fc* pDst, int len))
+
+/* Moves (overlap allowed) */
+OMN_EXPORT(OmnStatus, omnsMove_8u,   (const Omn8u* pSrc, Omn8u* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsMove_16s,  (const Omn16s* pSrc, Omn16s* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsMove_16sc, (const Omn16sc* pSrc, Omn16sc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsMove_32f,  (const Omn32f* pSrc, Omn32f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsMove_32fc, (const Omn32fc* pSrc, Omn32fc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsMove_64f,  (const Omn64f* pSrc, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsMove_64fc, (const Omn64fc* pSrc, Omn64fc* pDst, int len))
+
+/* Fills */
+OMN_EXPORT(OmnStatus, omnsZero_64f,  (Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsZero_64fc, (Omn64fc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsSet_32s,   (Omn32s val, Omn32s* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsSet_32sc,  (Omn32sc val, Omn32sc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsSet_64f,   (Omn64f val, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsSet_64fc,  (Omn64fc val, Omn64fc* pDst, int len))
+
+/* Test vectors */
+OMN_EXPORT(OmnStatus, omnsVectorJaehne_32s, (Omn32s* pDst, int len, Omn32s magn))
+OMN_EXPORT(OmnStatus, omnsVectorJaehne_64f, (Omn64f* pDst, int len, Omn64f magn))
+OMN_EXPORT(OmnStatus, omnsVectorRamp_32s,   (Omn32s* pDst, int len, Omn32f offset, Omn32f slope))
+OMN_EXPORT(OmnStatus, omnsVectorRamp_64f,   (Omn64f* pDst, int len, Omn32f offset, Omn32f slope))
+
+/* Reversal and byte order */
+OMN_EXPORT(OmnStatus, omnsFlip_64f,        (const Omn64f* pSrc, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsFlip_64f_I,      (Omn64f* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsSwapBytes_24u_I, (Omn8u* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsSwapBytes_24u,   (const Omn8u* pSrc, Omn8u* pDst, int len))
+
+/* Version record of the accuracy-class group */
+OMN_EXPORT(const OmnLibVersion*, omnvmGetLibVersion, (void))
