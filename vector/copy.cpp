@@ -38,6 +38,17 @@ OmnStatus moveChecked(const void* pSrc, void* pDst, int len)
     return omnStatusOk;
 }
 
+template <size_t kElem>
+OmnStatus zeroChecked(void* pDst, int len)
+{
+    if (pDst == nullptr)
+        return omnStatusNullPointer;
+    if (len < 1)
+        return omnStatusBadSize;
+    mem::zeroBytes(pDst, static_cast<size_t>(len) * kElem);
+    return omnStatusOk;
+}
+
 template <typename T>
 OmnStatus setChecked(const T& val, T* pDst, int len)
 {
@@ -67,9 +78,9 @@ OmnStatus omnsMove_32fc(const Omn32fc* pSrc, Omn32fc* pDst, int len) { return mo
 OmnStatus omnsMove_64f(const Omn64f* pSrc, Omn64f* pDst, int len)    { return moveChecked<8>(pSrc, pDst, len); }
 OmnStatus omnsMove_64fc(const Omn64fc* pSrc, Omn64fc* pDst, int len) { return moveChecked<16>(pSrc, pDst, len); }
 
-/* Zero is a fill with all-zero bits: +0.0 in every part. */
-OmnStatus omnsZero_64f(Omn64f* pDst, int len)   { return setChecked(Omn64f{}, pDst, len); }
-OmnStatus omnsZero_64fc(Omn64fc* pDst, int len) { return setChecked(Omn64fc{}, pDst, len); }
+/* All-zero bits: +0.0 in every part. */
+OmnStatus omnsZero_64f(Omn64f* pDst, int len)   { return zeroChecked<8>(pDst, len); }
+OmnStatus omnsZero_64fc(Omn64fc* pDst, int len) { return zeroChecked<16>(pDst, len); }
 
 OmnStatus omnsSet_32s(Omn32s val, Omn32s* pDst, int len)    { return setChecked(val, pDst, len); }
 OmnStatus omnsSet_32sc(Omn32sc val, Omn32sc* pDst, int len) { return setChecked(val, pDst, len); }

@@ -7,8 +7,11 @@
  *   kNtCopyBytes / kNtFillBytes  from which size copies and fills bypass the
  *                                cache (w7 256 KiB / 512 KiB, t7 512 KiB for
  *                                both, a6 its own sizes with 8-byte stores);
+ *   streamBlock / kNtAlign       16-byte non-temporal stores in w7/t7, two
+ *                                8-byte ones in a6;
  *   loadBlock                    t7 loads with LDDQU;
- *   moveDirection                px counts the distance in whole elements.
+ *   moveDirection                px counts the distance in whole elements;
+ *   moveBytes                    px moves with a byte loop.
  */
 #ifndef OMN_VECTOR_MEMKERNELS_H
 #define OMN_VECTOR_MEMKERNELS_H
@@ -80,38 +83,30 @@ inline void endStreaming() { _mm_sfence(); _mm_empty(); }
 
 #if OMN_SIMD >= 1
 
-/* Copy of n >= 16 bytes in 16-byte blocks, d already 16-aligned unless the
-   caller says otherwise; the last block is stored unaligned at the end. */
-template <bool kStream>
-inline void copyBlocks(const uint8_t* s, uint8_t* d, size_t n)
+/* The block loop of the cache-bypassing copy: n >= 16 bytes, d 16-aligned,
+   64 bytes a turn, the last block stored unaligned at the end after the
+   fence. */
+inline void streamCopy(const uint8_t* s, uint8_t* d, size_t n)
 {
     size_t i = 0;
-    if (n >= 1024) {
-        for (; i + 64 <= n; i += 64) {
-            const Block a = loadBlock(s + i), b = loadBlock(s + i + 16);
-            const Block c = loadBlock(s + i + 32), e = loadBlock(s + i + 48);
-            if (kStream) {
-                streamBlock(d + i, a); streamBlock(d + i + 16, b);
-                streamBlock(d + i + 32, c); streamBlock(d + i + 48, e);
-            } else {
-                storeBlockA(d + i, a); storeBlockA(d + i + 16, b);
-                storeBlockA(d + i + 32, c); storeBlockA(d + i + 48, e);
-            }
-        }
+    for (; i + 64 <= n; i += 64) {
+        const Block a = loadBlock(s + i), b = loadBlock(s + i + 16);
+        const Block c = loadBlock(s + i + 32), e = loadBlock(s + i + 48);
+        streamBlock(d + i, a); streamBlock(d + i + 16, b);
+        streamBlock(d + i + 32, c); streamBlock(d + i + 48, e);
     }
-    for (; i + 16 <= n; i += 16) {
-        if (kStream)
-            streamBlock(d + i, loadBlock(s + i));
-        else
-            storeBlockA(d + i, loadBlock(s + i));
-    }
-    if (kStream)
-        endStreaming();   /* fence before the ordinary store of the tail */
+    for (; i + 16 <= n; i += 16)
+        streamBlock(d + i, loadBlock(s + i));
+    endStreaming();   /* fence before the ordinary store of the tail */
     if (i != n)
         storeBlockU(d + n - 16, loadBlock(s + n - 16));
 }
 
-/* The byte-count copy behind every Copy form.  The arrays don't overlap. */
+/* The byte-count copy behind every Copy form.  The arrays don't overlap.
+   Small counts take the simple moves; large ones, to a destination aligned
+   for the column's non-temporal store, bypass the cache with the column's
+   own block loop; the range between goes to the C runtime's memcpy, which
+   is tuned for the machine and faster in cache than 16-byte blocks. */
 inline void copyBytes(const uint8_t* s, uint8_t* d, size_t n)
 {
     if (n < 64) {
@@ -119,16 +114,12 @@ inline void copyBytes(const uint8_t* s, uint8_t* d, size_t n)
         return;
     }
     if (n >= kNtCopyBytes && reinterpret_cast<uintptr_t>(d) % kNtAlign == 0) {
-        /* Large data bypasses the cache. */
         const size_t head = (16 - reinterpret_cast<uintptr_t>(d) % 16) % 16;
         copySmall(s, d, head);
-        copyBlocks<true>(s + head, d + head, n - head);
+        streamCopy(s + head, d + head, n - head);
         return;
     }
-    const size_t head = (16 - reinterpret_cast<uintptr_t>(d) % 16) % 16;
-    if (head != 0)
-        storeBlockU(d, loadBlock(s));   /* covers the head; no overlap, so rewriting is harmless */
-    copyBlocks<false>(s + head, d + head, n - head);
+    memcpy(d, s, n);
 }
 
 /* Overlapping move of n bytes, 16 at a time in the safe direction: each
@@ -173,7 +164,14 @@ inline void fillPattern(uint8_t* d, size_t n, const uint8_t pat[16])
     uint8_t* p = d + head;
     const size_t body = (n - head) & ~size_t(15);
     if (n >= kNtFillBytes) {
-        for (size_t i = 0; i < body; i += 16)
+        /* Whole 64-byte lines a turn, so that each line leaves the
+           write-combining buffer complete. */
+        size_t i = 0;
+        for (; i + 64 <= body; i += 64) {
+            streamBlock(p + i, v); streamBlock(p + i + 16, v);
+            streamBlock(p + i + 32, v); streamBlock(p + i + 48, v);
+        }
+        for (; i < body; i += 16)
             streamBlock(p + i, v);
         endStreaming();
     } else {
@@ -185,16 +183,9 @@ inline void fillPattern(uint8_t* d, size_t n, const uint8_t pat[16])
 
 #else  /* portable kernels */
 
-/* Scalar 8-byte words, four at a time, then the small moves. */
-inline void copyBytes(const uint8_t* s, uint8_t* d, size_t n)
-{
-    for (; n >= 32; n -= 32, s += 32, d += 32) {
-        uint64_t a, b, c, e;
-        memcpy(&a, s, 8); memcpy(&b, s + 8, 8); memcpy(&c, s + 16, 8); memcpy(&e, s + 24, 8);
-        memcpy(d, &a, 8); memcpy(d + 8, &b, 8); memcpy(d + 16, &c, 8); memcpy(d + 24, &e, 8);
-    }
-    copySmall(s, d, n);
-}
+/* The portable copy is the C runtime's memcpy: the platform's tuned
+   routine is the fastest portable way to move a byte count. */
+inline void copyBytes(const uint8_t* s, uint8_t* d, size_t n) { memcpy(d, s, n); }
 
 inline void fillPattern(uint8_t* d, size_t n, const uint8_t pat[16])
 {
@@ -206,6 +197,10 @@ inline void fillPattern(uint8_t* d, size_t n, const uint8_t pat[16])
 }
 
 #endif
+
+/* Zero is a fill of the byte count with zero bits in every column: the C
+   runtime's memset, which clears without reading the lines it writes. */
+inline void zeroBytes(void* d, size_t n) { memset(d, 0, n); }
 
 /* Fill n elements with val: the element repeated into a 16-byte pattern. */
 template <typename T>
