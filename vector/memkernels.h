@@ -213,8 +213,11 @@ inline void fillElements(T* d, size_t n, const T& val)
         memcpy(pat + k, &val, sizeof(T));
     fillPattern(reinterpret_cast<uint8_t*>(d), n * sizeof(T), pat);
 #else
+    /* Element by element through memcpy, which makes no assumption on the
+       alignment of d and compiles to a plain store. */
+    uint8_t* p = reinterpret_cast<uint8_t*>(d);
     for (size_t i = 0; i < n; ++i)
-        d[i] = val;
+        memcpy(p + i * sizeof(T), &val, sizeof(T));
 #endif
 }
 
