@@ -6,6 +6,7 @@
  * same code.
  */
 #include "core/column.h"
+#include "core/checks.h"
 #include "vector/memkernels.h"
 
 OMN_COLUMN_BEGIN
@@ -15,10 +16,8 @@ namespace {
 template <size_t kElem>
 OmnStatus copyChecked(const void* pSrc, void* pDst, int len)
 {
-    if (pSrc == nullptr || pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     mem::copyBytes(static_cast<const uint8_t*>(pSrc), static_cast<uint8_t*>(pDst),
                    static_cast<size_t>(len) * kElem);
     return omnStatusOk;
@@ -27,10 +26,8 @@ OmnStatus copyChecked(const void* pSrc, void* pDst, int len)
 template <size_t kElem>
 OmnStatus moveChecked(const void* pSrc, void* pDst, int len)
 {
-    if (pSrc == nullptr || pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     const ptrdiff_t direction = mem::moveDirection(pSrc, pDst, kElem);
     if (direction != 0)
         mem::moveBytes(static_cast<const uint8_t*>(pSrc), static_cast<uint8_t*>(pDst),
@@ -41,10 +38,8 @@ OmnStatus moveChecked(const void* pSrc, void* pDst, int len)
 template <size_t kElem>
 OmnStatus zeroChecked(void* pDst, int len)
 {
-    if (pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pDst))
+        return st;
     mem::zeroBytes(pDst, static_cast<size_t>(len) * kElem);
     return omnStatusOk;
 }
@@ -52,10 +47,8 @@ OmnStatus zeroChecked(void* pDst, int len)
 template <typename T>
 OmnStatus setChecked(const T& val, T* pDst, int len)
 {
-    if (pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pDst))
+        return st;
     mem::fillElements(pDst, static_cast<size_t>(len), val);
     return omnStatusOk;
 }

@@ -5,6 +5,7 @@
 #include <stdint.h>
 
 #include "core/column.h"
+#include "core/checks.h"
 
 OMN_COLUMN_BEGIN
 
@@ -44,10 +45,8 @@ constexpr double kHalfPi = 1.5707963267948966;
 /* pDst[i] = i * slope + offset, computed from i so that errors don't pile up. */
 OmnStatus omnsVectorRamp_64f(Omn64f* pDst, int len, Omn32f offset, Omn32f slope)
 {
-    if (pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pDst))
+        return st;
     const double o = offset, s = slope;
     int i = 0;
 #if OMN_SIMD >= 2
@@ -65,40 +64,22 @@ OmnStatus omnsVectorRamp_64f(Omn64f* pDst, int len, Omn32f offset, Omn32f slope)
 
 OmnStatus omnsVectorRamp_32s(Omn32s* pDst, int len, Omn32f offset, Omn32f slope)
 {
-    if (pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pDst))
+        return st;
     const double o = offset, s = slope;
     for (int i = 0; i < len; ++i)
         pDst[i] = rampRound(static_cast<double>(i) * s + o);
     return omnStatusOk;
 }
 
-OmnStatus omnsVectorJaehne_64f(Omn64f* pDst, int len, Omn64f magn)
+/* The chirp: pDst[i] = sin(i * (c * i)) * magn with c = (pi/2) / len; the
+   integer form rounds half away from zero and needs no saturation, since
+   |v| <= magn. */
+template <typename T, typename M, typename Store>
+OmnStatus jaehne(T* pDst, int len, M magn, Store store)
 {
-    if (pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
-    if (magn < 0.0)
-        return omnStatusNegativeMagnitude;
-    if (len == 1) {
-        pDst[0] = 0.0;
-        return omnStatusOk;
-    }
-    const double c = kHalfPi / static_cast<double>(len);
-    for (int i = 0; i < len; ++i)
-        pDst[i] = sin(jaehneAngle(i, c)) * magn;
-    return omnStatusOk;
-}
-
-OmnStatus omnsVectorJaehne_32s(Omn32s* pDst, int len, Omn32s magn)
-{
-    if (pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pDst))
+        return st;
     if (magn < 0)
         return omnStatusNegativeMagnitude;
     if (len == 1) {
@@ -107,12 +88,19 @@ OmnStatus omnsVectorJaehne_32s(Omn32s* pDst, int len, Omn32s magn)
     }
     const double c = kHalfPi / static_cast<double>(len);
     const double m = static_cast<double>(magn);
-    for (int i = 0; i < len; ++i) {
-        const double v = sin(jaehneAngle(i, c)) * m;
-        /* |v| <= magn, so no saturation is needed. */
-        pDst[i] = static_cast<Omn32s>(v >= 0.0 ? v + 0.5 : v - 0.5);
-    }
+    for (int i = 0; i < len; ++i)
+        pDst[i] = store(sin(jaehneAngle(i, c)) * m);
     return omnStatusOk;
+}
+
+OmnStatus omnsVectorJaehne_64f(Omn64f* pDst, int len, Omn64f magn)
+{
+    return jaehne(pDst, len, magn, [](double v) { return v; });
+}
+
+OmnStatus omnsVectorJaehne_32s(Omn32s* pDst, int len, Omn32s magn)
+{
+    return jaehne(pDst, len, magn, [](double v) { return static_cast<Omn32s>(v >= 0.0 ? v + 0.5 : v - 0.5); });
 }
 
 OMN_COLUMN_END

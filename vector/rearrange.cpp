@@ -4,6 +4,7 @@
 #include <stddef.h>
 
 #include "core/column.h"
+#include "core/checks.h"
 
 OMN_COLUMN_BEGIN
 
@@ -17,10 +18,8 @@ inline __m128d swapHalves(__m128d v) { return _mm_shuffle_pd(v, v, 1); }
 
 OmnStatus omnsFlip_64f(const Omn64f* pSrc, Omn64f* pDst, int len)
 {
-    if (pSrc == nullptr || pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     int i = 0;
 #if OMN_SIMD >= 2
     /* Pairs, reversed within the pair, stored from the far end. */
@@ -34,10 +33,8 @@ OmnStatus omnsFlip_64f(const Omn64f* pSrc, Omn64f* pDst, int len)
 
 OmnStatus omnsFlip_64f_I(Omn64f* pSrcDst, int len)
 {
-    if (pSrcDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrcDst))
+        return st;
     int i = 0;
     const int half = len / 2;   /* the middle element of an odd length stays */
 #if OMN_SIMD >= 2
@@ -58,10 +55,8 @@ OmnStatus omnsFlip_64f_I(Omn64f* pSrcDst, int len)
 
 OmnStatus omnsSwapBytes_24u(const Omn8u* pSrc, Omn8u* pDst, int len)
 {
-    if (pSrc == nullptr || pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     for (size_t k = 0, n = static_cast<size_t>(len) * 3; k < n; k += 3) {
         const Omn8u b0 = pSrc[k], b1 = pSrc[k + 1], b2 = pSrc[k + 2];
         pDst[k] = b2;
@@ -73,10 +68,8 @@ OmnStatus omnsSwapBytes_24u(const Omn8u* pSrc, Omn8u* pDst, int len)
 
 OmnStatus omnsSwapBytes_24u_I(Omn8u* pSrcDst, int len)
 {
-    if (pSrcDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrcDst))
+        return st;
     for (size_t k = 0, n = static_cast<size_t>(len) * 3; k < n; k += 3) {
         const Omn8u t = pSrcDst[k];
         pSrcDst[k] = pSrcDst[k + 2];
