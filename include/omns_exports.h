@@ -29,6 +29,13 @@ OMN_EXPORT_COMMON(OmnStatus, omnSetDenormAreZeros, (int value))
 /* Version record of the signal-processing group */
 OMN_EXPORT(const OmnLibVersion*, omnsGetLibVersion, (void))
 
+/* Aligned memory: 32-byte aligned blocks, all freed by omnsFree */
+OMN_EXPORT(Omn32s*,  omnsMalloc_32s,  (int len))
+OMN_EXPORT(Omn64f*,  omnsMalloc_64f,  (int len))
+OMN_EXPORT(Omn32sc*, omnsMalloc_32sc, (int len))
+OMN_EXPORT(Omn64fc*, omnsMalloc_64fc, (int len))
+OMN_EXPORT_COMMON(void, omnsFree,     (void* ptr))
+
 /* Copies (no overlap) */
 OMN_EXPORT(OmnStatus, omnsCopy_8u,   (const Omn8u* pSrc, Omn8u* pDst, int len))
 OMN_EXPORT(OmnStatus, omnsCopy_16s,  (const Omn16s* pSrc, Omn16s* pDst, int len))
