@@ -7,6 +7,10 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#if defined(__unix__)
+#include <sys/mman.h>
+#include <unistd.h>
+#endif
 
 #include "core/variants.h"
 
@@ -148,10 +152,27 @@ void omnLibraryConstructorWith(const OmnDispatchEnv& env)
         _Exit(EXIT_FAILURE);
 }
 
+void omnProtectSlots()
+{
+#if defined(__unix__)
+    /* The slot table starts on a page boundary and is padded to whole pages
+       of 4 KiB; on a system with larger pages it can't be protected alone. */
+    const long page = sysconf(_SC_PAGESIZE);
+    if (page != 4096)
+        return;
+    const uintptr_t begin = reinterpret_cast<uintptr_t>(omnSlotTableBegin);
+    const uintptr_t end = (reinterpret_cast<uintptr_t>(omnSlotTableEnd) + 4095) & ~uintptr_t(4095);
+    mprotect(omnSlotTableBegin, end - begin, PROT_READ);
+#endif
+}
+
 } // namespace omn
 
-/* Registered in .init_array by stubs.S. */
+/* Registered in .init_array by stubs.S.  After the library's own slots are
+   filled they are never written again, so they become read-only: a stray
+   write in the caller's program can't redirect a call into the library. */
 extern "C" __attribute__((used)) void omnLibraryConstructor()
 {
     omn::omnLibraryConstructorWith(omn::omnDefaultDispatchEnv());
+    omn::omnProtectSlots();
 }

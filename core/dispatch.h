@@ -68,6 +68,9 @@ int omnLibraryEntry(const OmnDispatchEnv& env, int reason);
    status when the entry refuses, since a constructor cannot refuse a load. */
 void omnLibraryConstructorWith(const OmnDispatchEnv& env);
 
+/* Makes the library's slot table read-only (done once, after the load). */
+void omnProtectSlots();
+
 /* The failure texts. */
 extern const char kLoadFailureText[];
 extern const char kLoadFailureCaption[];

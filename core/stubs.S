@@ -37,13 +37,16 @@
     .globl omnSlot_##name; .hidden omnSlot_##name; .type omnSlot_##name, %object; \
     .size omnSlot_##name, 8; omnSlot_##name: .quad 0;
 
-    .bss
-    .p2align 6
+/* The slots fill whole pages of their own, so that once dispatch has
+   written them they can be made read-only without touching anything else. */
+    .section .bss.omn_slots, "aw", %nobits
+    .p2align 12
     .globl omnSlotTableBegin; .hidden omnSlotTableBegin
 omnSlotTableBegin:
 #include "omns_exports.h"
     .globl omnSlotTableEnd; .hidden omnSlotTableEnd
 omnSlotTableEnd:
+    .p2align 12
 
 /* The load-time entry is an ELF constructor.  It is registered here, beside
    the slots, so that any program that links an export (statically too) also

@@ -5,6 +5,7 @@
 
 #include <stdint.h>
 #include <string.h>
+#include <unistd.h>
 
 #include <string>
 #include <vector>
@@ -283,6 +284,15 @@ TEST(LibraryTable, EveryExportIsOneIndirectJumpThroughItsSlot)
     }
 }
 #endif
+
+TEST(LibraryTableDeathTest, SlotsAreReadOnlyAfterLoad)
+{
+    if (sysconf(_SC_PAGESIZE) != 4096)
+        GTEST_SKIP() << "slots are protected only with 4 KiB pages";
+    EXPECT_EQ(reinterpret_cast<uintptr_t>(omnSlotTableBegin) % 4096, 0u);
+    volatile OmnEntry* slot = omnSlotTableBegin;
+    EXPECT_DEATH(*slot = nullptr, "");
+}
 
 TEST(LibraryTable, CallThroughTheSlotEqualsTheDirectCall)
 {
