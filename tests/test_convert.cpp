@@ -423,8 +423,9 @@ TEST_P(ConvertTest, RoundingBracketAndCurrentMode)
         _mm_setcsr(saved);
         ASSERT_EQ(a, 0);
         ASSERT_EQ(b, 0);
-        EXPECT_EQ(after16s, word) << "control word not restored, mode " << mode;
-        EXPECT_EQ(after8u, word) << "control word not restored, mode " << mode;
+        // The sticky exception flags (bits 0-5) may pick up an inexact.
+        EXPECT_EQ(after16s & ~0x3Fu, word & ~0x3Fu) << "control word not restored, mode " << mode;
+        EXPECT_EQ(after8u & ~0x3Fu, word & ~0x3Fu) << "control word not restored, mode " << mode;
         for (int i = 0; i < 64; ++i) {
             EXPECT_EQ(s16[i], static_cast<int>(nearbyint(ties[i]))) << ties[i] << " mode " << mode;
             const double y = ties[i] * 2.0;   // scale factor -1
