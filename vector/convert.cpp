@@ -20,7 +20,7 @@ namespace {
 template <typename S, typename D>
 OmnStatus widen(const S* pSrc, D* pDst, int len)
 {
-    if (const OmnStatus st = checkArgs(pSrc, pDst, len))
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
         return st;
     for (int i = 0; i < len; ++i)
         pDst[i] = static_cast<D>(pSrc[i]);
@@ -116,7 +116,7 @@ void floatToSmallBlocks(const float* s, typename Dst::T* d, int n, float f)
 template <typename Dst>
 OmnStatus floatToSmallForm(const Omn32f* pSrc, typename Dst::T* pDst, int len, int rndMode, int sf)
 {
-    if (const OmnStatus st = checkArgs(pSrc, pDst, len))
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
         return st;
     const bool nearest = rndMode == 1;
     const bool scaled = sf != 0;
@@ -188,7 +188,7 @@ OmnStatus omnsConvert_32s32f(const Omn32s* pSrc, Omn32f* pDst, int len) { return
 
 OmnStatus omnsConvert_32s16s(const Omn32s* pSrc, Omn16s* pDst, int len)
 {
-    if (const OmnStatus st = checkArgs(pSrc, pDst, len))
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
         return st;
     for (int i = 0; i < len; ++i)
         pDst[i] = static_cast<Omn16s>(sat(pSrc[i], -32768, 32767));
@@ -219,7 +219,7 @@ OmnStatus omnsConvert_32f16u_Sfs(const Omn32f* pSrc, Omn16u* pDst, int len, int 
 
 OmnStatus omnsConvert_32f32s_Sfs(const Omn32f* pSrc, Omn32s* pDst, int len, int rndMode, int scaleFactor)
 {
-    if (const OmnStatus st = checkArgs(pSrc, pDst, len))
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
         return st;
     const bool nearest = rndMode == 1;
     if (scaleFactor == 0) {
@@ -236,7 +236,7 @@ OmnStatus omnsConvert_32f32s_Sfs(const Omn32f* pSrc, Omn32s* pDst, int len, int 
 
 OmnStatus omnsConvert_64f32s_Sfs(const Omn64f* pSrc, Omn32s* pDst, int len, int rndMode, int scaleFactor)
 {
-    if (const OmnStatus st = checkArgs(pSrc, pDst, len))
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
         return st;
     const bool nearest = rndMode == 1;
     const bool scaled = scaleFactor != 0;
@@ -251,7 +251,7 @@ OmnStatus omnsConvert_64f32s_Sfs(const Omn64f* pSrc, Omn32s* pDst, int len, int 
 /* Infinities become the largest finite single instead of an infinity. */
 OmnStatus omnsConvert_64f32f(const Omn64f* pSrc, Omn32f* pDst, int len)
 {
-    if (const OmnStatus st = checkArgs(pSrc, pDst, len))
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
         return st;
     int i = 0;
 #if OMN_SIMD >= 2
@@ -278,7 +278,7 @@ OmnStatus omnsConvert_64f32f(const Omn64f* pSrc, Omn32f* pDst, int len)
    form; one multiplication, one rounding. */
 OmnStatus omnsConvert_16s32f_Sfs(const Omn16s* pSrc, Omn32f* pDst, int len, int scaleFactor)
 {
-    if (const OmnStatus st = checkArgs(pSrc, pDst, len))
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
         return st;
     if (scaleFactor == 0)
         return widen(pSrc, pDst, len);
@@ -290,7 +290,7 @@ OmnStatus omnsConvert_16s32f_Sfs(const Omn16s* pSrc, Omn32f* pDst, int len, int 
 
 OmnStatus omnsConvert_32s32f_Sfs(const Omn32s* pSrc, Omn32f* pDst, int len, int scaleFactor)
 {
-    if (const OmnStatus st = checkArgs(pSrc, pDst, len))
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
         return st;
     if (scaleFactor == 0)
         return widen(pSrc, pDst, len);
@@ -303,7 +303,7 @@ OmnStatus omnsConvert_32s32f_Sfs(const Omn32s* pSrc, Omn32f* pDst, int len, int 
 
 OmnStatus omnsConvert_16s64f_Sfs(const Omn16s* pSrc, Omn64f* pDst, int len, int scaleFactor)
 {
-    if (const OmnStatus st = checkArgs(pSrc, pDst, len))
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
         return st;
     if (scaleFactor == 0)
         return widen(pSrc, pDst, len);
@@ -315,7 +315,7 @@ OmnStatus omnsConvert_16s64f_Sfs(const Omn16s* pSrc, Omn64f* pDst, int len, int 
 
 OmnStatus omnsConvert_32s64f_Sfs(const Omn32s* pSrc, Omn64f* pDst, int len, int scaleFactor)
 {
-    if (const OmnStatus st = checkArgs(pSrc, pDst, len))
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
         return st;
     if (scaleFactor == 0)
         return widen(pSrc, pDst, len);
@@ -329,7 +329,7 @@ OmnStatus omnsConvert_32s64f_Sfs(const Omn32s* pSrc, Omn64f* pDst, int len, int 
 
 OmnStatus omnsConvert_32s16s_Sfs(const Omn32s* pSrc, Omn16s* pDst, int len, int scaleFactor)
 {
-    if (const OmnStatus st = checkArgs(pSrc, pDst, len))
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
         return st;
     if (scaleFactor == 0)
         return omnsConvert_32s16s(pSrc, pDst, len);

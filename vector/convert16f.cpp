@@ -143,7 +143,7 @@ inline int16_t halfToShort(uint16_t h, bool nearest, int sf)
 
 OmnStatus omnsConvert_16f32f(const Omn16f* pSrc, Omn32f* pDst, int len)
 {
-    if (const OmnStatus st = checkArgs(pSrc, pDst, len))
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
         return st;
     for (int i = 0; i < len; ++i)
         pDst[i] = halfToFloat(pSrc[i]);
@@ -152,7 +152,7 @@ OmnStatus omnsConvert_16f32f(const Omn16f* pSrc, Omn32f* pDst, int len)
 
 OmnStatus omnsConvert_32f16f(const Omn32f* pSrc, Omn16f* pDst, int len, int rndMode)
 {
-    if (const OmnStatus st = checkArgs(pSrc, pDst, len))
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
         return st;
     if (rndMode == 1) {
         for (int i = 0; i < len; ++i)
@@ -166,7 +166,7 @@ OmnStatus omnsConvert_32f16f(const Omn32f* pSrc, Omn16f* pDst, int len, int rndM
 
 OmnStatus omnsConvert_16s16f(const Omn16s* pSrc, Omn16f* pDst, int len, int rndMode)
 {
-    if (const OmnStatus st = checkArgs(pSrc, pDst, len))
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
         return st;
     const bool nearest = rndMode == 1;
     for (int i = 0; i < len; ++i)
@@ -176,7 +176,7 @@ OmnStatus omnsConvert_16s16f(const Omn16s* pSrc, Omn16f* pDst, int len, int rndM
 
 OmnStatus omnsConvert_16f16s_Sfs(const Omn16f* pSrc, Omn16s* pDst, int len, int rndMode, int scaleFactor)
 {
-    if (const OmnStatus st = checkArgs(pSrc, pDst, len))
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
         return st;
     const bool nearest = rndMode == 1;
     /* Unscaled, subnormals (at most 2^-14) simply give 0 - the same as the

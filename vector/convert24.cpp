@@ -45,7 +45,7 @@ void packAll(Omn8u* d, int len, Rule rule)
 template <typename D, typename Load>
 OmnStatus unpack(const Omn8u* pSrc, D* pDst, int len, Load load)
 {
-    if (const OmnStatus st = checkArgs(pSrc, pDst, len))
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
         return st;
     int i = 0;
     for (; i + 4 <= len; i += 4) {
@@ -82,7 +82,7 @@ OmnStatus omnsConvert_24s32f(const Omn8u* pSrc, Omn32f* pDst, int len) { return 
 
 OmnStatus omnsConvert_32u24u_Sfs(const Omn32u* pSrc, Omn8u* pDst, int len, int scaleFactor)
 {
-    if (const OmnStatus st = checkArgs(pSrc, pDst, len))
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
         return st;
     if (scaleFactor == 0) {
         packAll(pDst, len, [&](int i) { return pSrc[i] < k24uMax ? pSrc[i] : k24uMax; });
@@ -105,7 +105,7 @@ OmnStatus omnsConvert_32u24u_Sfs(const Omn32u* pSrc, Omn8u* pDst, int len, int s
    the limits are tested against -8388608 >> n and 8388607 >> n only. */
 OmnStatus omnsConvert_32s24s_Sfs(const Omn32s* pSrc, Omn8u* pDst, int len, int scaleFactor)
 {
-    if (const OmnStatus st = checkArgs(pSrc, pDst, len))
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
         return st;
     if (scaleFactor == 0) {
         packAll(pDst, len, [&](int i) { return static_cast<uint32_t>(sat(pSrc[i], k24sMin, k24sMax)); });
@@ -127,7 +127,7 @@ OmnStatus omnsConvert_32s24s_Sfs(const Omn32s* pSrc, Omn8u* pDst, int len, int s
 
 OmnStatus omnsConvert_32f24s_Sfs(const Omn32f* pSrc, Omn8u* pDst, int len, int scaleFactor)
 {
-    if (const OmnStatus st = checkArgs(pSrc, pDst, len))
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
         return st;
     const bool scaled = scaleFactor != 0;
     const double f = pack24Scale(scaleFactor);
@@ -145,7 +145,7 @@ OmnStatus omnsConvert_32f24s_Sfs(const Omn32f* pSrc, Omn8u* pDst, int len, int s
 
 OmnStatus omnsConvert_32f24u_Sfs(const Omn32f* pSrc, Omn8u* pDst, int len, int scaleFactor)
 {
-    if (const OmnStatus st = checkArgs(pSrc, pDst, len))
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
         return st;
     const bool scaled = scaleFactor != 0;
     const double f = pack24Scale(scaleFactor);

@@ -23,6 +23,7 @@
 #include <string.h>
 
 #include "core/column.h"
+#include "core/checks.h"
 
 OMN_COLUMN_BEGIN
 namespace cvt {
@@ -38,16 +39,6 @@ constexpr bool kNanToMax64f32f     = OMN_COLUMN_INDEX >= 2;
 
 inline uint32_t bitsOf(float x)    { uint32_t b; memcpy(&b, &x, 4); return b; }
 inline float    floatOf(uint32_t b) { float x; memcpy(&x, &b, 4); return x; }
-
-/* The checks every Convert makes, in this order. */
-inline OmnStatus checkArgs(const void* pSrc, const void* pDst, int len)
-{
-    if (pSrc == nullptr || pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
-    return omnStatusOk;
-}
 
 /* ---- float to integer ---------------------------------------------------- */
 
