@@ -155,12 +155,21 @@ TEST_P(Convert16fTest, NarrowingSpecialPatterns)
         { 0x33C00000, 0x0002, 0x0001 },   // 1.5 * 2^-24: tie, up to the even 2
         { 0x80000000, 0x8000, 0x8000 },
     };
-    for (const auto& tc : cases) {
-        const float x = floatOf(tc.in);
-        for (int mode : kRndModes) {
-            Omn16f out = 0x1234;
-            ASSERT_EQ(V(omnsConvert_32f16f)(&x, &out, 1, mode), 0);
-            EXPECT_EQ(out, mode == 1 ? tc.nearest : tc.trunc) << std::hex << tc.in << " rndMode " << std::dec << mode;
+    // One at a time, and all in one array long enough for the block kernels.
+    const int n = sizeof cases / sizeof cases[0];
+    std::vector<Omn32f> all;
+    for (int rep = 0; rep < 4; ++rep)
+        for (const auto& tc : cases)
+            all.push_back(floatOf(tc.in));
+    std::vector<Omn16f> outAll(all.size());
+    for (int mode : kRndModes) {
+        ASSERT_EQ(V(omnsConvert_32f16f)(all.data(), outAll.data(), static_cast<int>(all.size()), mode), 0);
+        for (size_t i = 0; i < all.size(); ++i) {
+            const auto& tc = cases[i % n];
+            EXPECT_EQ(outAll[i], mode == 1 ? tc.nearest : tc.trunc) << std::hex << tc.in << " rndMode " << std::dec << mode;
+            Omn16f one = 0x1234;
+            ASSERT_EQ(V(omnsConvert_32f16f)(&all[i], &one, 1, mode), 0);
+            EXPECT_EQ(one, outAll[i]);
         }
     }
 }

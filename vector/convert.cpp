@@ -35,9 +35,8 @@ struct Dst8u  { using T = Omn8u;  static constexpr int32_t lo = 0,      hi = 255
 struct Dst16s { using T = Omn16s; static constexpr int32_t lo = -32768, hi = 32767; static constexpr bool kSigned = true; };
 struct Dst16u { using T = Omn16u; static constexpr int32_t lo = 0,      hi = 65535; static constexpr bool kSigned = false; };
 
-/* One element of a float-to-small-integer form.  scale is 2^-sf in the
-   precision of the form (double for signed, single for unsigned), and
-   nanToMax is the column point of the nearest, unscaled 32f16s kernel. */
+/* One element by the rule as stated, in double precision: used where
+   2^-sf is not a normal single, which the kernels below need. */
 template <typename Dst>
 inline typename Dst::T floatToSmall(float x, double scale, bool scaled, bool nearest, bool nanToMax)
 {
@@ -54,6 +53,53 @@ void floatToSmallScalar(const float* s, typename Dst::T* d, int n, double scale,
 {
     for (int i = 0; i < n; ++i)
         d[i] = floatToSmall<Dst>(s[i], scale, scaled, nearest, nanToMax);
+}
+
+/* The same elements in single precision, written without branches so that
+   the compiler can vectorise it, and independent of the rounding mode.
+   While 2^-sf is a normal single (|sf| <= 126) this is exact: the product
+   of a single and a power of two is exact, or overflows to an infinity that
+   saturates like the huge double would, or is so small that it gives 0;
+   the clamp to [lo, hi] is the rule's saturation, its order decides where
+   a NaN goes (a minimum first: the upper limit), and nearest with ties to
+   even is the truncation moved by the exact remainder.  The selections are
+   masks on the bits (see select in convert_rules.h). */
+template <typename Dst, bool kScaled, bool kMinFirst, bool kNearest>
+void floatToSmallPortable(const float* s, typename Dst::T* d, int n, float f)
+{
+    const float lo = static_cast<float>(Dst::lo), hi = static_cast<float>(Dst::hi);
+    for (int i = 0; i < n; ++i) {
+        float y = kScaled ? s[i] * f : s[i];
+        if (kMinFirst) {
+            y = select(y < hi, y, hi);
+            y = select(y > lo, y, lo);
+        } else {
+            y = select(y > lo, y, lo);
+            y = select(y < hi, y, hi);
+        }
+        int32_t r = static_cast<int32_t>(y);
+        if (kNearest) {
+            const float rem = y - static_cast<float>(r);
+            const uint32_t remBits = bitsOf(rem);
+            const float mag = floatOf(remBits & 0x7FFFFFFFu);
+            const int32_t away = (static_cast<int32_t>(mag > 0.5f) | (static_cast<int32_t>(mag == 0.5f) & r)) & 1;
+            const int32_t neg = -static_cast<int32_t>(remBits >> 31);
+            r += (away ^ neg) - neg;   /* one step away from zero, in the remainder's direction */
+        }
+        d[i] = static_cast<typename Dst::T>(r);
+    }
+}
+
+template <typename Dst, bool kMinFirst>
+void floatToSmallPortable(const float* s, typename Dst::T* d, int n, float f, bool scaled, bool nearest)
+{
+    if (scaled) {
+        if (nearest) floatToSmallPortable<Dst, true, kMinFirst, true>(s, d, n, f);
+        else         floatToSmallPortable<Dst, true, kMinFirst, false>(s, d, n, f);
+    } else {
+        if (nearest) floatToSmallPortable<Dst, false, kMinFirst, true>(s, d, n, f);
+        else         floatToSmallPortable<Dst, false, kMinFirst, false>(s, d, n, f);
+    }
 }
 
 #if OMN_SIMD >= 2
@@ -108,11 +154,7 @@ void floatToSmallBlocks(const float* s, typename Dst::T* d, int n, float f)
 
 #endif
 
-/* The float-to-small-integer forms.  The SSE2 kernel scales in single
-   precision, which gives the same elements as the double-precision rule
-   while 2^-sf is a normal single (|sf| <= 126): the product of a single and
-   a power of two is then exact, or overflows to an infinity that saturates
-   like the huge double would, or is so small that it converts to 0. */
+/* The float-to-small-integer forms. */
 template <typename Dst>
 OmnStatus floatToSmallForm(const Omn32f* pSrc, typename Dst::T* pDst, int len, int rndMode, int sf)
 {
@@ -120,23 +162,31 @@ OmnStatus floatToSmallForm(const Omn32f* pSrc, typename Dst::T* pDst, int len, i
         return st;
     const bool nearest = rndMode == 1;
     const bool scaled = sf != 0;
-    const double scale = Dst::kSigned ? scaleDouble(sf) : static_cast<double>(scaleFloat(sf));
-    /* Where a NaN goes: px's compares send it to the lower limit in the
-       signed forms and to the upper one in the unsigned forms; the kernels
-       clamp in the order that gives the same, except for the documented
-       nearest, unscaled 32f16s kernel of w7 and t7. */
+    /* Where a NaN goes: the lower limit in the signed forms and the upper
+       one in the unsigned forms, except for the documented nearest,
+       unscaled 32f16s kernel of w7 and t7. */
     const bool nanToMax16s = kNanToMax16sNearest && Dst::kSigned && Dst::hi == 32767 && nearest && !scaled;
+    if (sf < -126 || sf > 126) {
+        const double scale = Dst::kSigned ? scaleDouble(sf) : static_cast<double>(scaleFloat(sf));
+        floatToSmallScalar<Dst>(pSrc, pDst, len, scale, scaled, nearest, nanToMax16s);
+        return omnStatusOk;
+    }
+    const float f = static_cast<float>(scaleDouble(sf));
+    const bool minFirst = !Dst::kSigned || nanToMax16s;
     int i = 0;
 #if OMN_SIMD >= 2
-    if (len >= 16 && sf >= -126 && sf <= 126) {
+    if (len >= 16) {
+        /* A portable head up to a 16-byte destination, then eight a round. */
         const uintptr_t a = reinterpret_cast<uintptr_t>(pDst);
         const int head = a % sizeof(typename Dst::T) != 0 ? 0
                        : static_cast<int>(((16 - a % 16) % 16) / sizeof(typename Dst::T));
-        floatToSmallScalar<Dst>(pSrc, pDst, head, scale, scaled, nearest, nanToMax16s);
+        if (minFirst)
+            floatToSmallPortable<Dst, true>(pSrc, pDst, head, f, scaled, nearest);
+        else
+            floatToSmallPortable<Dst, false>(pSrc, pDst, head, f, scaled, nearest);
         i = head;
         const int body = (len - head) & ~7;
-        const float f = static_cast<float>(scaleDouble(sf));
-        constexpr bool kMinFirst = !Dst::kSigned;   /* NaN to the upper limit in the unsigned forms */
+        constexpr bool kMinFirst = !Dst::kSigned;
         if (nearest) {
             const uint32_t saved = omnSetMxcsrRounding(0);   /* nearest, ties to even */
             if (nanToMax16s)
@@ -154,7 +204,10 @@ OmnStatus floatToSmallForm(const Omn32f* pSrc, typename Dst::T* pDst, int len, i
         i += body;
     }
 #endif
-    floatToSmallScalar<Dst>(pSrc + i, pDst + i, len - i, scale, scaled, nearest, nanToMax16s);
+    if (minFirst)
+        floatToSmallPortable<Dst, true>(pSrc + i, pDst + i, len - i, f, scaled, nearest);
+    else
+        floatToSmallPortable<Dst, false>(pSrc + i, pDst + i, len - i, f, scaled, nearest);
     return omnStatusOk;
 }
 

@@ -6,6 +6,7 @@
  * The NaN the conversions write is 0x7DFF, with the sign kept (0xFDFF).
  */
 #include "core/column.h"
+#include "core/cpu.h"
 #include "vector/convert_rules.h"
 
 OMN_COLUMN_BEGIN
@@ -139,6 +140,62 @@ inline int16_t halfToShort(uint16_t h, bool nearest, int sf)
     return static_cast<int16_t>(neg ? -mag : mag);
 }
 
+#if OMN_SIMD >= 2
+
+inline __m128i blend(__m128i m, __m128i a, __m128i b) { return _mm_or_si128(_mm_and_si128(m, a), _mm_andnot_si128(m, b)); }
+inline __m128i splat(uint32_t v) { return _mm_set1_epi32(static_cast<int>(v)); }
+
+/* Four elements of floatToHalfNearest / floatToHalfTrunc, without the sign:
+   the normal range on the bits as the scalar rule does it; the subnormal
+   range (exponent 112 and below) as |x| * 2^24 converted to an integer,
+   which is the same shift with the same rounding (nearest under the
+   caller's bracket, or truncation), with 2^-25 rounding up to 1. */
+template <bool kNearest>
+inline __m128i halfMagnitude4(__m128i u)
+{
+    const __m128i a = _mm_and_si128(u, splat(0x7FFFFFFFu));
+    __m128i normal;
+    if (kNearest) {
+        const __m128i r = _mm_add_epi32(_mm_add_epi32(a, splat(0xFFF)), _mm_and_si128(_mm_srli_epi32(a, 13), splat(1)));
+        normal = _mm_srli_epi32(_mm_sub_epi32(r, splat(0x38000000u)), 13);
+        /* Past the largest half: infinity, or the pattern of the fraction
+           when the sum reached exponent 255. */
+        const __m128i reached255 = _mm_cmpgt_epi32(r, splat(0x7F7FFFFFu));
+        const __m128i fracZero = _mm_cmpeq_epi32(_mm_and_si128(r, splat(0x7FFFFFu)), _mm_setzero_si128());
+        const __m128i overValue = blend(_mm_andnot_si128(fracZero, reached255), splat(kHalfNaN), splat(kHalfInf));
+        normal = blend(_mm_cmpgt_epi32(r, splat(0x477FFFFFu)), overValue, normal);
+    } else {
+        normal = _mm_srli_epi32(_mm_sub_epi32(a, splat(0x38000000u)), 13);
+        normal = blend(_mm_cmpgt_epi32(a, splat(0x477FFFFFu)), splat(kHalfInf), normal);
+    }
+    const __m128 scaled = _mm_mul_ps(_mm_castsi128_ps(a), _mm_set1_ps(16777216.0f));
+    __m128i sub = kNearest ? _mm_cvtps_epi32(scaled) : _mm_cvttps_epi32(scaled);
+    if (kNearest)
+        sub = blend(_mm_cmpeq_epi32(a, splat(0x33000000u)), splat(1), sub);
+    __m128i res = blend(_mm_cmplt_epi32(a, splat(0x38800000u)), sub, normal);
+    /* Infinities and NaNs of the source. */
+    const __m128i special = blend(_mm_cmpgt_epi32(a, splat(0x7F800000u)), splat(kHalfNaN), splat(kHalfInf));
+    return blend(_mm_cmpgt_epi32(a, splat(0x7F7FFFFFu)), special, res);
+}
+
+template <bool kNearest>
+void floatToHalfBlocks(const float* s, uint16_t* d, int n)
+{
+    const __m128i signMask = splat(0xFFFF8000u);
+    for (int i = 0; i + 8 <= n; i += 8) {
+        const __m128i u0 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i));
+        const __m128i u1 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i + 4));
+        /* Magnitudes are at most 0x7DFF, and the sign as -32768 packs to
+           0x8000: both fit the signed pack. */
+        const __m128i mag = _mm_packs_epi32(halfMagnitude4<kNearest>(u0), halfMagnitude4<kNearest>(u1));
+        const __m128i sign = _mm_packs_epi32(_mm_and_si128(_mm_srai_epi32(u0, 16), signMask),
+                                             _mm_and_si128(_mm_srai_epi32(u1, 16), signMask));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(d + i), _mm_or_si128(mag, sign));
+    }
+}
+
+#endif
+
 } // namespace
 
 OmnStatus omnsConvert_16f32f(const Omn16f* pSrc, Omn32f* pDst, int len)
@@ -154,11 +211,31 @@ OmnStatus omnsConvert_32f16f(const Omn32f* pSrc, Omn16f* pDst, int len, int rndM
 {
     if (const OmnStatus st = checkArgs(len, pSrc, pDst))
         return st;
-    if (rndMode == 1) {
-        for (int i = 0; i < len; ++i)
+    const bool nearest = rndMode == 1;
+    int i = 0;
+#if OMN_SIMD >= 2
+    if (len >= 16) {
+        /* A scalar head up to a 16-byte destination, then eight a round. */
+        const uintptr_t a = reinterpret_cast<uintptr_t>(pDst);
+        const int head = a % 2 != 0 ? 0 : static_cast<int>(((16 - a % 16) % 16) / 2);
+        for (; i < head; ++i)
+            pDst[i] = nearest ? floatToHalfNearest(bitsOf(pSrc[i])) : floatToHalfTrunc(bitsOf(pSrc[i]));
+        const int body = (len - head) & ~7;
+        if (nearest) {
+            const uint32_t saved = omnSetMxcsrRounding(0);   /* the subnormal range rounds to nearest */
+            floatToHalfBlocks<true>(pSrc + i, pDst + i, body);
+            omnRestoreMxcsr(saved);
+        } else {
+            floatToHalfBlocks<false>(pSrc + i, pDst + i, body);
+        }
+        i += body;
+    }
+#endif
+    if (nearest) {
+        for (; i < len; ++i)
             pDst[i] = floatToHalfNearest(bitsOf(pSrc[i]));
     } else {
-        for (int i = 0; i < len; ++i)
+        for (; i < len; ++i)
             pDst[i] = floatToHalfTrunc(bitsOf(pSrc[i]));
     }
     return omnStatusOk;

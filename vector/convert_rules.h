@@ -103,16 +103,30 @@ inline int32_t toUnsigned(double y, bool nearest, int32_t hi)
 
 /* ---- double to float ----------------------------------------------------- */
 
+/* Narrowed first, then the infinities and NaNs that the narrowing gave are
+   replaced on the bits.  This is the rule: a double at or beyond a bound
+   narrows to that bound's infinity or to the largest finite single (by the
+   rounding mode), and one inside narrows to a finite single.  Written with
+   integer masks so that the compiler can vectorise it: a compare-and-select
+   on floating values keeps a branch while traps are honoured. */
 inline float toFloatSaturated(double x)
 {
-    const double kMax = FLT_MAX;
-    if (x >= kMax)
-        return FLT_MAX;
-    if (x <= -kMax)
-        return -FLT_MAX;
-    if (x != x)
-        return kNanToMax64f32f ? FLT_MAX : -FLT_MAX;
-    return static_cast<float>(x);   /* rounds in the current mode */
+    /* px lets a NaN fall to the lowest finite single; w7 and t7 send it to
+       the largest (kNanToMax64f32f). */
+    constexpr uint32_t kNanBits = kNanToMax64f32f ? 0x7F7FFFFFu : 0xFF7FFFFFu;
+    const uint32_t u = bitsOf(static_cast<float>(x));
+    const int32_t mag = static_cast<int32_t>(u & 0x7FFFFFFFu);
+    const uint32_t special = 0u - static_cast<uint32_t>(mag >= 0x7F800000);
+    const uint32_t nan = 0u - static_cast<uint32_t>(mag > 0x7F800000);
+    const uint32_t bound = (((u & 0x80000000u) | 0x7F7FFFFFu) & ~nan) | (kNanBits & nan);
+    return floatOf((u & ~special) | (bound & special));
+}
+
+/* a where c holds, else b, as a mask on the bits (see above). */
+inline float select(bool c, float a, float b)
+{
+    const uint32_t m = 0u - static_cast<uint32_t>(c);
+    return floatOf((bitsOf(a) & m) | (bitsOf(b) & ~m));
 }
 
 /* ---- integer to float with a scale factor ------------------------------- */
