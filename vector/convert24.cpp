@@ -4,6 +4,8 @@
  * nearest; the integer forms work in runs of four samples (twelve bytes)
  * with a loop for the tail.
  */
+#include <string.h>
+
 #include "core/column.h"
 #include "vector/convert_rules.h"
 
@@ -17,8 +19,6 @@ constexpr int32_t k24sMin = -8388608, k24sMax = 8388607;
 constexpr uint32_t k24uMax = 0xFFFFFF;
 
 inline uint32_t load24u(const Omn8u* p) { return uint32_t(p[0]) | uint32_t(p[1]) << 8 | uint32_t(p[2]) << 16; }
-/* The top byte is sign-extended. */
-inline int32_t load24s(const Omn8u* p) { return static_cast<int32_t>(load24u(p) ^ 0x800000u) - 0x800000; }
 
 inline void store24(Omn8u* p, uint32_t v)
 {
@@ -27,35 +27,69 @@ inline void store24(Omn8u* p, uint32_t v)
     p[2] = static_cast<Omn8u>(v >> 16);
 }
 
+/* Four samples are twelve bytes: on a little-endian target one 8-byte and
+   one 4-byte access instead of twelve byte accesses. */
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+inline void store4x24(Omn8u* p, uint32_t a, uint32_t b, uint32_t c, uint32_t d)
+{
+    const uint64_t lo = (a & 0xFFFFFFu) | (uint64_t(b & 0xFFFFFFu) << 24) | (uint64_t(c & 0xFFFFu) << 48);
+    const uint32_t hi = ((c >> 16) & 0xFFu) | (d << 8);
+    memcpy(p, &lo, 8);
+    memcpy(p + 8, &hi, 4);
+}
+inline void load4x24(const Omn8u* p, uint32_t v[4])
+{
+    uint64_t lo;
+    uint32_t hi;
+    memcpy(&lo, p, 8);
+    memcpy(&hi, p + 8, 4);
+    v[0] = static_cast<uint32_t>(lo) & 0xFFFFFFu;
+    v[1] = static_cast<uint32_t>(lo >> 24) & 0xFFFFFFu;
+    v[2] = static_cast<uint32_t>(lo >> 48) | ((hi & 0xFFu) << 16);
+    v[3] = hi >> 8;
+}
+#else
+inline void store4x24(Omn8u* p, uint32_t a, uint32_t b, uint32_t c, uint32_t d)
+{
+    store24(p, a); store24(p + 3, b); store24(p + 6, c); store24(p + 9, d);
+}
+inline void load4x24(const Omn8u* p, uint32_t v[4])
+{
+    v[0] = load24u(p); v[1] = load24u(p + 3); v[2] = load24u(p + 6); v[3] = load24u(p + 9);
+}
+#endif
+
 /* Applies one element rule to every sample, four a round. */
 template <typename Rule>
 void packAll(Omn8u* d, int len, Rule rule)
 {
     int i = 0;
-    for (; i + 4 <= len; i += 4) {
-        store24(d + 3 * i, rule(i));
-        store24(d + 3 * i + 3, rule(i + 1));
-        store24(d + 3 * i + 6, rule(i + 2));
-        store24(d + 3 * i + 9, rule(i + 3));
-    }
+    for (; i + 4 <= len; i += 4)
+        store4x24(d + 3 * i, rule(i), rule(i + 1), rule(i + 2), rule(i + 3));
     for (; i < len; ++i)
         store24(d + 3 * i, rule(i));
 }
 
-template <typename D, typename Load>
-OmnStatus unpack(const Omn8u* pSrc, D* pDst, int len, Load load)
+/* The unsigned sample as it stands, or sign-extended from bit 23. */
+inline uint32_t asUnsigned(uint32_t v) { return v; }
+inline int32_t asSigned(uint32_t v) { return static_cast<int32_t>(v ^ 0x800000u) - 0x800000; }
+
+template <typename D, typename Extend>
+OmnStatus unpack(const Omn8u* pSrc, D* pDst, int len, Extend extend)
 {
     if (const OmnStatus st = checkArgs(len, pSrc, pDst))
         return st;
     int i = 0;
     for (; i + 4 <= len; i += 4) {
-        pDst[i] = static_cast<D>(load(pSrc + 3 * i));
-        pDst[i + 1] = static_cast<D>(load(pSrc + 3 * i + 3));
-        pDst[i + 2] = static_cast<D>(load(pSrc + 3 * i + 6));
-        pDst[i + 3] = static_cast<D>(load(pSrc + 3 * i + 9));
+        uint32_t v[4];
+        load4x24(pSrc + 3 * i, v);
+        pDst[i] = static_cast<D>(extend(v[0]));
+        pDst[i + 1] = static_cast<D>(extend(v[1]));
+        pDst[i + 2] = static_cast<D>(extend(v[2]));
+        pDst[i + 3] = static_cast<D>(extend(v[3]));
     }
     for (; i < len; ++i)
-        pDst[i] = static_cast<D>(load(pSrc + 3 * i));
+        pDst[i] = static_cast<D>(extend(load24u(pSrc + 3 * i)));
     return omnStatusOk;
 }
 
@@ -75,10 +109,10 @@ inline int32_t round24(double y, bool negative)
 
 } // namespace
 
-OmnStatus omnsConvert_24u32u(const Omn8u* pSrc, Omn32u* pDst, int len) { return unpack(pSrc, pDst, len, load24u); }
-OmnStatus omnsConvert_24s32s(const Omn8u* pSrc, Omn32s* pDst, int len) { return unpack(pSrc, pDst, len, load24s); }
-OmnStatus omnsConvert_24u32f(const Omn8u* pSrc, Omn32f* pDst, int len) { return unpack(pSrc, pDst, len, load24u); }
-OmnStatus omnsConvert_24s32f(const Omn8u* pSrc, Omn32f* pDst, int len) { return unpack(pSrc, pDst, len, load24s); }
+OmnStatus omnsConvert_24u32u(const Omn8u* pSrc, Omn32u* pDst, int len) { return unpack(pSrc, pDst, len, asUnsigned); }
+OmnStatus omnsConvert_24s32s(const Omn8u* pSrc, Omn32s* pDst, int len) { return unpack(pSrc, pDst, len, asSigned); }
+OmnStatus omnsConvert_24u32f(const Omn8u* pSrc, Omn32f* pDst, int len) { return unpack(pSrc, pDst, len, asUnsigned); }
+OmnStatus omnsConvert_24s32f(const Omn8u* pSrc, Omn32f* pDst, int len) { return unpack(pSrc, pDst, len, asSigned); }
 
 OmnStatus omnsConvert_32u24u_Sfs(const Omn32u* pSrc, Omn8u* pDst, int len, int scaleFactor)
 {
