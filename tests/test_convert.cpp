@@ -166,7 +166,7 @@ TEST_P(ConvertTest, NaNDestinyPerColumnInEveryPathOfTheKernels)
     }
 }
 
-TEST_P(ConvertTest, DocumentedCases)
+TEST_P(ConvertTest, TiesScalesAndNaNsOfSingleElements)
 {
     const float s[] = { 2.5f, 3.5f, -2.5f };
     Omn16s d[3];

@@ -35,7 +35,7 @@ struct Dst8u  { using T = Omn8u;  static constexpr int32_t lo = 0,      hi = 255
 struct Dst16s { using T = Omn16s; static constexpr int32_t lo = -32768, hi = 32767; static constexpr bool kSigned = true; };
 struct Dst16u { using T = Omn16u; static constexpr int32_t lo = 0,      hi = 65535; static constexpr bool kSigned = false; };
 
-/* One element by the rule as stated, in double precision: used where
+/* One element by the library's definition, in double precision: used where
    2^-sf is not a normal single, which the kernels below need. */
 template <typename Dst>
 inline typename Dst::T floatToSmall(float x, double scale, bool scaled, bool nearest, bool nanToMax)
@@ -163,7 +163,7 @@ OmnStatus floatToSmallForm(const Omn32f* pSrc, typename Dst::T* pDst, int len, i
     const bool nearest = rndMode == 1;
     const bool scaled = sf != 0;
     /* Where a NaN goes: the lower limit in the signed forms and the upper
-       one in the unsigned forms, except for the documented nearest,
+       one in the unsigned forms, except for the nearest,
        unscaled 32f16s kernel of w7 and t7. */
     const bool nanToMax16s = kNanToMax16sNearest && Dst::kSigned && Dst::hi == 32767 && nearest && !scaled;
     if (sf < -126 || sf > 126) {

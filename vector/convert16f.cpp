@@ -37,7 +37,8 @@ inline uint16_t halfSpecial(uint32_t absBits) { return (absBits & 0x7FFFFFu) != 
 /* Nearest: ties to even, but for the two smallest subnormal shifts (k of
    10 and 11) ties round up, so that half the smallest subnormal rounds to
    it instead of to zero.  A carry out of the largest finite single reaches
-   exponent 255 and takes the pattern of its fraction, as step one would. */
+   exponent 255 and takes the pattern of its fraction, as an infinity or
+   NaN source does. */
 inline uint16_t floatToHalfNearest(uint32_t bits)
 {
     const uint16_t sign = static_cast<uint16_t>((bits >> 16) & 0x8000u);
