@@ -136,12 +136,31 @@ inline bool productIsNormal(Pd s)
     return zeros == 0 && ones == 0;
 }
 
+/* Both lanes of every pair within (2^-kRange, 2^kRange) in magnitude; NaN
+   is outside. */
+template <int kRange>
+inline bool withinRange(Pd a, Pd b, Pd c, Pd d)
+{
+    static_assert(kRange > 0 && kRange < 1023, "a normal power of two");
+    const Pd sign = pd::set1(-0.0);
+    const Pd lo = pd::set1(pd::fromBits(static_cast<uint64_t>(1023 - kRange) << 52));
+    const Pd hi = pd::set1(pd::fromBits(static_cast<uint64_t>(1023 + kRange) << 52));
+    const auto in = [&](Pd v) {
+        const Pd m = pd::andNot(sign, v);
+        return pd::cmpGt(m, lo) & pd::cmpLt(m, hi);
+    };
+    return pd::signs(in(a) & in(b) & in(c) & in(d)) == 3;
+}
+
 /* Eight elements.  The four divisor pairs b0..b3 share one packed division:
    with p = b0*b2, q = b1*b3 and t = 1/(p*q), the reciprocal of each divisor
    is the product of the other three times t.  It costs a few units in the
-   last place, and is taken only when p*q has a normal exponent; otherwise
-   (a zero, denormal, infinite or NaN divisor, or a product out of range) the
-   pairs are divided one by one. */
+   last place, and is taken when p*q has a normal exponent; otherwise (a zero,
+   infinite or NaN divisor, or a product out of range) the pairs are divided
+   one by one.  The path also asks every divisor to lie within 2^-255 to
+   2^255, which keeps p, q, t and the recovered reciprocals normal: a
+   denormal or huge divisor beside ordinary ones would otherwise lose its
+   reciprocal to overflow or underflow although s is normal. */
 template <bool kAlignedStore>
 inline bool divideBlock(const double* num, const double* den, double* dst)
 {
@@ -150,7 +169,7 @@ inline bool divideBlock(const double* num, const double* den, double* dst)
     const Pd p = b0 * b2, q = b1 * b3, s = p * q;
     Pd r0, r1, r2, r3;
     bool zero = false;
-    if (productIsNormal(s)) {
+    if (productIsNormal(s) && withinRange<255>(b0, b1, b2, b3)) {
         const Pd t = one() / s;
         const Pd qt = q * t, pt = p * t;
         r0 = n0 * (b2 * qt);
@@ -193,7 +212,9 @@ bool divideBatched(const double* num, const double* den, double* dst, size_t n)
 }
 
 /* Two complex elements through one reciprocal: with m1 and m2 their squared
-   magnitudes, 1/m1 = m2 / (m1*m2) and 1/m2 = m1 / (m1*m2). */
+   magnitudes, 1/m1 = m2 / (m1*m2) and 1/m2 = m1 / (m1*m2).  Taken when m1*m2
+   is normal and both magnitudes lie within 2^-510 to 2^510; otherwise each
+   element has its own reciprocal. */
 inline bool dividePairComplex(const double* num, const double* den, double* dst)
 {
     const Pd d1 = pd::loadU(den), d2 = pd::loadU(den + 2);
@@ -204,7 +225,7 @@ inline bool dividePairComplex(const double* num, const double* den, double* dst)
     const Pd zmask = pd::cmpEq(m, pd::set1(0.0));
     const bool zero = pd::signs(zmask) != 0;
     Pd r;
-    if (productIsNormal(s))
+    if (productIsNormal(s) && withinRange<510>(m, m, m, m))
         r = pd::swap(m) * (one() / s);
     else
         r = one() / pd::select(zmask, one(), m);

@@ -30,8 +30,10 @@
  * of the exponent stays with the mantissa); a single-precision estimate y of
  * 1/sqrt(m) is refined twice, y1 = 0.5*y*(3 - m*y*y), s = m*y1, root =
  * 0.5*s*(3 - s*y1), and k is added to the exponent of the result as an
- * integer.  No division and no full-precision root; the estimate's 12 bits
- * grow to some 44 after the two steps.
+ * integer.  No division and no full-precision root.  The estimate is the
+ * processor's single-precision one, refined once in single precision
+ * (pd::rsqrtRefined), so that the two double steps end within about a unit
+ * in the last place.
  */
 #include "core/column.h"
 #include "core/cpu.h"
@@ -89,7 +91,7 @@ inline void seedA6(const double* m, double* y)
     alignas(16) float out[4];
     const __m128 f = _mm_set_ps(static_cast<float>(m[3]), static_cast<float>(m[2]),
                                 static_cast<float>(m[1]), static_cast<float>(m[0]));
-    _mm_store_ps(out, _mm_rsqrt_ps(f));
+    _mm_store_ps(out, pd::rsqrtRefined(f));
     for (size_t k = 0; k < 4; ++k)
         y[k] = out[k];
 #else
