@@ -134,10 +134,11 @@ TEST_P(SqrtTest, TableOfTheColumnAtEveryPlace)
                         const std::string where = std::string(row.what) + " len " + std::to_string(len) + " at " +
                                                   std::to_string(at) + " off " + std::to_string(dOff) +
                                                   (inPlace ? " in place" : "");
-                        if (e.warn >= 0)
+                        if (e.warn >= 0) {
                             ASSERT_EQ(st, e.warn ? 3 : 0) << where;
-                        else
+                        } else {
                             ASSERT_TRUE(st == 0 || st == 3) << where;
+                        }
                         ASSERT_TRUE(matches(out.get(at), e.value, row.x))
                             << where << " got " << out.get(at) << " bits " << std::hex << bits(out.get(at));
                         for (int i = 0; i < len; ++i) {

@@ -218,8 +218,9 @@ inline void fillElements(T* d, size_t n, const T& val)
         memcpy(pat + k, &val, sizeof(T));
     fillPattern(reinterpret_cast<uint8_t*>(d), n * sizeof(T), pat);
 #else
+    /* Element by element through memcpy: d need not be aligned to T. */
     for (size_t i = 0; i < n; ++i)
-        d[i] = val;
+        memcpy(reinterpret_cast<uint8_t*>(d) + i * sizeof(T), &val, sizeof(T));
 #endif
 }
 
