@@ -15,6 +15,7 @@
  *   - a real destination 8 bytes past a 16-byte boundary: one scalar element
  *     first, so that the blocks store aligned;
  *   - blocks of four doubles, prefetching 64 bytes ahead on every source,
+ *     two blocks (one cache line of each source) to a turn of the loop,
  *     with one instance for each combination of source alignments (aligned
  *     or unaligned loads) so that no block tests alignment;
  *   - a destination that isn't 16-aligned after the head stores unaligned
@@ -86,31 +87,51 @@ inline void store(double* p, Pd v)
         pd::storeHalves(p, v);
 }
 
-/* Four doubles of every source from k on, as two pairs each, with the
-   prefetch 64 bytes ahead. */
+/* Four doubles of every source from k on, as two pairs each. */
 template <unsigned kAlignedIn, int kN, int k = 0>
 inline void loadSources(Pd* a, Pd* b, const double* const* in, size_t i)
 {
     if constexpr (k < kN) {
         constexpr bool kAligned = ((kAlignedIn >> k) & 1) != 0;
-        pd::prefetch(in[k] + i + 8);
         a[k] = load<kAligned>(in[k] + i);
         b[k] = load<kAligned>(in[k] + i + 2);
         loadSources<kAlignedIn, kN, k + 1>(a, b, in, i);
     }
 }
 
+template <int kN, int k = 0>
+inline void prefetchSources(const double* const* in, size_t i)
+{
+    if constexpr (k < kN) {
+        pd::prefetch(in[k] + i);
+        prefetchSources<kN, k + 1>(in, i);
+    }
+}
+
+template <class Op, unsigned kAlignedIn, StoreKind kStore>
+inline void block(const Op& op, const double* const* in, double* out, size_t i)
+{
+    Pd a[Op::kIn], b[Op::kIn];
+    loadSources<kAlignedIn, Op::kIn>(a, b, in, i);
+    store<kStore>(out + i, op.pair(a));
+    store<kStore>(out + i + 2, op.pair(b));
+}
+
 /* Blocks of four doubles.  Bit k of kAlignedIn says that source k is
-   16-aligned; nd is a multiple of four. */
+   16-aligned; nd is a multiple of four.  Two blocks make one 64-byte line of
+   each source, so the loop takes two at a time and prefetches once a line,
+   64 bytes ahead. */
 template <class Op, unsigned kAlignedIn, StoreKind kStore>
 void blocks(const Op& op, const double* const* in, double* out, size_t nd)
 {
-    for (size_t i = 0; i < nd; i += 4) {
-        Pd a[Op::kIn], b[Op::kIn];
-        loadSources<kAlignedIn, Op::kIn>(a, b, in, i);
-        store<kStore>(out + i, op.pair(a));
-        store<kStore>(out + i + 2, op.pair(b));
+    size_t i = 0;
+    for (; i + 8 <= nd; i += 8) {
+        prefetchSources<Op::kIn>(in, i + 8);
+        block<Op, kAlignedIn, kStore>(op, in, out, i);
+        block<Op, kAlignedIn, kStore>(op, in, out, i + 4);
     }
+    if (i < nd)
+        block<Op, kAlignedIn, kStore>(op, in, out, i);
 }
 
 /* Picks the instance for the sources' alignments, given as a bit mask. */

@@ -209,21 +209,48 @@ inline Pd seedRoot(Pd x)
     return pd::add32(half * s * (three - s * y1), step);
 }
 
-inline bool rootPair(const double* src, double* dst, bool aligned)
+inline bool seedable(Pd x) { return pd::signs(pd::cmpGt(x, pd::set1(0.0))) == 3; }
+
+/* A pair that is not all strictly positive: the hardware root, and the signs
+   as the warning. */
+inline Pd hardwareRoot(Pd x, bool* warn)
 {
-    const Pd x = pd::loadU(src);
-    bool warn = false;
-    Pd r;
-    if (pd::signs(pd::cmpGt(x, pd::set1(0.0))) == 3) {
-        r = seedRoot(x);
-    } else {
-        r = pd::sqrt(x);
-        warn = pd::signs(x) != 0;
-    }
+    *warn |= pd::signs(x) != 0;
+    return pd::sqrt(x);
+}
+
+inline void storePair(double* dst, Pd r, bool aligned)
+{
     if (aligned)
         pd::storeA(dst, r);
     else
         pd::storeU(dst, r);
+}
+
+/* Two pairs a turn, so that the long chain of the seed path of one pair
+   overlaps the other's. */
+inline bool rootTwoPairs(const double* src, double* dst, bool aligned)
+{
+    const Pd x0 = pd::loadU(src), x1 = pd::loadU(src + 2);
+    bool warn = false;
+    Pd r0, r1;
+    if (seedable(x0) && seedable(x1)) {
+        r0 = seedRoot(x0);
+        r1 = seedRoot(x1);
+    } else {
+        r0 = seedable(x0) ? seedRoot(x0) : hardwareRoot(x0, &warn);
+        r1 = seedable(x1) ? seedRoot(x1) : hardwareRoot(x1, &warn);
+    }
+    storePair(dst, r0, aligned);
+    storePair(dst + 2, r1, aligned);
+    return warn;
+}
+
+inline bool rootPair(const double* src, double* dst, bool aligned)
+{
+    const Pd x = pd::loadU(src);
+    bool warn = false;
+    storePair(dst, seedable(x) ? seedRoot(x) : hardwareRoot(x, &warn), aligned);
     return warn;
 }
 
@@ -247,9 +274,13 @@ inline bool rootsPacked(const double* src, double* dst, size_t n)
         i = 1;
     }
     const bool aligned = reinterpret_cast<uintptr_t>(dst + i) % 16 == 0;
-    for (; i + 2 <= n; i += 2) {
+    for (; i + 4 <= n; i += 4) {
         pd::prefetch(src + i + 16);
+        warn |= rootTwoPairs(src + i, dst + i, aligned);
+    }
+    if (i + 2 <= n) {
         warn |= rootPair(src + i, dst + i, aligned);
+        i += 2;
     }
     if (i < n)
         warn |= rootScalar(src + i, dst + i);
