@@ -136,8 +136,9 @@ inline bool productIsNormal(Pd s)
     return zeros == 0 && ones == 0;
 }
 
-/* Both lanes of every pair within (2^-kRange, 2^kRange) in magnitude; NaN
-   is outside. */
+/* Both lanes of every pair within (2^-kRange, 2^kRange) in magnitude.  A
+   NaN may slip through the min and max; the callers have ruled NaN out by
+   the exponent of the product already. */
 template <int kRange>
 inline bool withinRange(Pd a, Pd b, Pd c, Pd d)
 {
@@ -145,11 +146,10 @@ inline bool withinRange(Pd a, Pd b, Pd c, Pd d)
     const Pd sign = pd::set1(-0.0);
     const Pd lo = pd::set1(pd::fromBits(static_cast<uint64_t>(1023 - kRange) << 52));
     const Pd hi = pd::set1(pd::fromBits(static_cast<uint64_t>(1023 + kRange) << 52));
-    const auto in = [&](Pd v) {
-        const Pd m = pd::andNot(sign, v);
-        return pd::cmpGt(m, lo) & pd::cmpLt(m, hi);
-    };
-    return pd::signs(in(a) & in(b) & in(c) & in(d)) == 3;
+    const Pd ma = pd::andNot(sign, a), mb = pd::andNot(sign, b), mc = pd::andNot(sign, c), md = pd::andNot(sign, d);
+    const Pd least = pd::min(pd::min(ma, mb), pd::min(mc, md));
+    const Pd most = pd::max(pd::max(ma, mb), pd::max(mc, md));
+    return pd::signs(pd::cmpGt(least, lo) & pd::cmpLt(most, hi)) == 3;
 }
 
 /* Eight elements.  The four divisor pairs b0..b3 share one packed division:

@@ -14,8 +14,9 @@
  *   - fewer than 5 doubles: the scalar loop;
  *   - a real destination 8 bytes past a 16-byte boundary: one scalar element
  *     first, so that the blocks store aligned;
- *   - blocks of four doubles, prefetching 64 bytes ahead on every source,
- *     two blocks (one cache line of each source) to a turn of the loop,
+ *   - blocks of four doubles, prefetching 64 bytes ahead on every source
+ *     (from kPrefetchFrom doubles on: shorter runs are in cache), two
+ *     blocks (one cache line of each source) to a turn of the loop,
  *     with one instance for each combination of source alignments (aligned
  *     or unaligned loads) so that no block tests alignment;
  *   - a destination that isn't 16-aligned after the head stores unaligned
@@ -121,12 +122,13 @@ inline void block(const Op& op, const double* const* in, double* out, size_t i)
    16-aligned; nd is a multiple of four.  Two blocks make one 64-byte line of
    each source, so the loop takes two at a time and prefetches once a line,
    64 bytes ahead. */
-template <class Op, unsigned kAlignedIn, StoreKind kStore>
+template <class Op, unsigned kAlignedIn, StoreKind kStore, bool kPrefetch>
 void blocks(const Op& op, const double* const* in, double* out, size_t nd)
 {
     size_t i = 0;
     for (; i + 8 <= nd; i += 8) {
-        prefetchSources<Op::kIn>(in, i + 8);
+        if (kPrefetch)
+            prefetchSources<Op::kIn>(in, i + 8);
         block<Op, kAlignedIn, kStore>(op, in, out, i);
         block<Op, kAlignedIn, kStore>(op, in, out, i + 4);
     }
@@ -134,7 +136,13 @@ void blocks(const Op& op, const double* const* in, double* out, size_t nd)
         block<Op, kAlignedIn, kStore>(op, in, out, i);
 }
 
-/* Picks the instance for the sources' alignments, given as a bit mask. */
+/* From this many doubles a run prefetches.  Shorter runs are in the first
+   level cache, or about to be, and a prefetch there only takes a load slot
+   from the loop. */
+constexpr size_t kPrefetchFrom = 8192;
+
+/* Picks the instance for the sources' alignments, given as a bit mask, and
+   for prefetching. */
 template <class Op, StoreKind kStore, unsigned kMask = 0>
 inline void blocksFor(unsigned mask, const Op& op, const double* const* in, double* out, size_t nd)
 {
@@ -144,7 +152,10 @@ inline void blocksFor(unsigned mask, const Op& op, const double* const* in, doub
             return;
         }
     }
-    blocks<Op, kMask, kStore>(op, in, out, nd);
+    if (nd >= kPrefetchFrom)
+        blocks<Op, kMask, kStore, true>(op, in, out, nd);
+    else
+        blocks<Op, kMask, kStore, false>(op, in, out, nd);
 }
 
 template <class Op>
@@ -173,7 +184,7 @@ void runPacked(const Op& op, const double* const* in, double* out, size_t nd)
     else if (dd % 8 == 0)
         blocksFor<Op, kStoreUnaligned>(mask, op, at, out + i, body);
     else
-        blocks<Op, 0, kStoreHalves>(op, at, out + i, body);
+        blocks<Op, 0, kStoreHalves, true>(op, at, out + i, body);
     for (i += body; i < nd; i += Op::kStep)
         step(op, in, out, i);
 }

@@ -76,6 +76,9 @@ inline Pd operator-(Pd a, Pd b) { return { _mm_sub_pd(a.v, b.v) }; }
 inline Pd operator*(Pd a, Pd b) { return { _mm_mul_pd(a.v, b.v) }; }
 inline Pd operator/(Pd a, Pd b) { return { _mm_div_pd(a.v, b.v) }; }
 inline Pd sqrt(Pd a) { return { _mm_sqrt_pd(a.v) }; }
+/* a < b ? a : b and a > b ? a : b, lane by lane (b where either is NaN). */
+inline Pd min(Pd a, Pd b) { return { _mm_min_pd(a.v, b.v) }; }
+inline Pd max(Pd a, Pd b) { return { _mm_max_pd(a.v, b.v) }; }
 
 inline Pd operator&(Pd a, Pd b) { return { _mm_and_pd(a.v, b.v) }; }
 inline Pd operator|(Pd a, Pd b) { return { _mm_or_pd(a.v, b.v) }; }
@@ -156,6 +159,8 @@ inline Pd operator-(Pd a, Pd b) { return { a.l - b.l, a.h - b.h }; }
 inline Pd operator*(Pd a, Pd b) { return { a.l * b.l, a.h * b.h }; }
 inline Pd operator/(Pd a, Pd b) { return { a.l / b.l, a.h / b.h }; }
 inline Pd sqrt(Pd a) { return { ::sqrt(a.l), ::sqrt(a.h) }; }
+inline Pd min(Pd a, Pd b) { return { a.l < b.l ? a.l : b.l, a.h < b.h ? a.h : b.h }; }
+inline Pd max(Pd a, Pd b) { return { a.l > b.l ? a.l : b.l, a.h > b.h ? a.h : b.h }; }
 
 inline Pd bitwise(Pd a, Pd b, int op)
 {
