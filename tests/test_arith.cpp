@@ -295,11 +295,18 @@ TEST_P(ArithTest, SecondSourceIsMinuendAndDividend)
 
 TEST_P(ArithTest, EveryFormMatchesItsReferenceAtEveryLengthAndAlignment)
 {
+    // Lengths 1 to 20 with every combination of offsets; then runs long
+    // enough to prefetch (9001) and to stream their results (140001), with
+    // all arrays 16-aligned, and with the destination 8 past (a head first).
+    const int kLong[] = { 1001, 9001, 140001 };
     for (const Form& f : kForms) {
-        for (int len = 1; len <= 21; ++len) {
-            const int n = len == 21 ? 1001 : len;
+        for (int len = 1; len <= 23; ++len) {
+            const int n = len <= 20 ? len : kLong[len - 21];
             const size_t combos = f.nArr == 3 ? 27 : f.nArr == 2 ? 9 : 3;
             for (size_t k = 0; k < combos; ++k) {
+                const size_t dstAt8 = f.nArr == 3 ? 9 : f.nArr == 2 ? 3 : 1;
+                if (n > 1001 && k != 0 && k != dstAt8)
+                    continue;
                 const size_t offs[3] = { test::kOffsets[k % 3], test::kOffsets[(k / 3) % 3], test::kOffsets[k / 9] };
                 checkForm(col(), f, n, offs, static_cast<uint64_t>(n * 31 + k));
                 if (HasFatalFailure())

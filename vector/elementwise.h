@@ -19,6 +19,8 @@
  *     blocks (one cache line of each source) to a turn of the loop,
  *     with one instance for each combination of source alignments (aligned
  *     or unaligned loads) so that no block tests alignment;
+ *   - a 16-aligned destination of kStreamFromBytes or more is written with
+ *     streaming stores;
  *   - a destination that isn't 16-aligned after the head stores unaligned
  *     (complex), or with two 8-byte stores when it isn't even 8-aligned;
  *   - up to three doubles of tail, one element at a time.
@@ -72,7 +74,7 @@ inline void runScalar(const Op& op, const double* const* in, double* out, size_t
         step(op, in, out, i);
 }
 
-enum StoreKind { kStoreAligned, kStoreUnaligned, kStoreHalves };
+enum StoreKind { kStoreAligned, kStoreStream, kStoreUnaligned, kStoreHalves };
 
 template <bool kAligned>
 inline Pd load(const double* p) { return kAligned ? pd::loadA(p) : pd::loadU(p); }
@@ -82,6 +84,8 @@ inline void store(double* p, Pd v)
 {
     if constexpr (kStore == kStoreAligned)
         pd::storeA(p, v);
+    else if constexpr (kStore == kStoreStream)
+        pd::storeStream(p, v);
     else if constexpr (kStore == kStoreUnaligned)
         pd::storeU(p, v);
     else
@@ -136,6 +140,11 @@ void blocks(const Op& op, const double* const* in, double* out, size_t nd)
         block<Op, kAlignedIn, kStore>(op, in, out, i);
 }
 
+/* From this many bytes of result a run with a 16-aligned destination stores
+   past the caches: a result that size would not stay in them anyway, and
+   it spares the reads that ordinary stores make of every destination line. */
+constexpr size_t kStreamFromBytes = 1024 * 1024;
+
 /* From this many doubles a run prefetches.  Shorter runs are in the first
    level cache, or about to be, and a prefetch there only takes a load slot
    from the loop. */
@@ -179,8 +188,12 @@ void runPacked(const Op& op, const double* const* in, double* out, size_t nd)
         mask |= (reinterpret_cast<uintptr_t>(at[k]) % 16 == 0 ? 1u : 0u) << k;
     }
     const uintptr_t dd = reinterpret_cast<uintptr_t>(out + i);
-    if (dd % 16 == 0)
+    if (dd % 16 == 0 && body * sizeof(double) >= kStreamFromBytes) {
+        blocksFor<Op, kStoreStream>(mask, op, at, out + i, body);
+        pd::endStreaming();
+    } else if (dd % 16 == 0) {
         blocksFor<Op, kStoreAligned>(mask, op, at, out + i, body);
+    }
     else if (dd % 8 == 0)
         blocksFor<Op, kStoreUnaligned>(mask, op, at, out + i, body);
     else

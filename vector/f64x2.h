@@ -70,6 +70,10 @@ inline Pd loadA(const double* p) { return { _mm_load_pd(p) }; }
 inline Pd loadU(const double* p) { return { _mm_loadu_pd(p) }; }
 inline void storeA(double* p, Pd a) { _mm_store_pd(p, a.v); }
 inline void storeU(double* p, Pd a) { _mm_storeu_pd(p, a.v); }
+/* Past the caches, to a 16-aligned address; endStreaming orders the
+   streamed stores before whatever the caller does next. */
+inline void storeStream(double* p, Pd a) { _mm_stream_pd(p, a.v); }
+inline void endStreaming() { _mm_sfence(); }
 
 inline Pd operator+(Pd a, Pd b) { return { _mm_add_pd(a.v, b.v) }; }
 inline Pd operator-(Pd a, Pd b) { return { _mm_sub_pd(a.v, b.v) }; }
@@ -153,6 +157,8 @@ inline Pd loadA(const double* p) { return { ld(p), ld(p + 1) }; }
 inline Pd loadU(const double* p) { return { ld(p), ld(p + 1) }; }
 inline void storeA(double* p, Pd a) { st(p, a.l); st(p + 1, a.h); }
 inline void storeU(double* p, Pd a) { st(p, a.l); st(p + 1, a.h); }
+inline void storeStream(double* p, Pd a) { st(p, a.l); st(p + 1, a.h); }
+inline void endStreaming() {}
 
 inline Pd operator+(Pd a, Pd b) { return { a.l + b.l, a.h + b.h }; }
 inline Pd operator-(Pd a, Pd b) { return { a.l - b.l, a.h - b.h }; }
