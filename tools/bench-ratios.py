@@ -6,8 +6,9 @@
                --benchmark_format=json > arith.json
     tools/bench-ratios.py arith.json
 
-In cache (4,096 elements): the plain loop's time over each kernel's time, so
-that a figure of 1.00 or more means the kernel is at least as fast.  Out of
+In cache (4,096 elements): the plain loop's CPU time over each kernel's, so
+that a figure of 1.00 or more means the kernel is at least as fast (CPU
+time, since the machine may be shared).  Out of
 cache (4 Mi elements): each kernel's bytes per second over memcpy's for the
 same bytes moved.  With repetitions, each benchmark counts with its best
 repetition.
@@ -28,7 +29,7 @@ def main(path):
         # With repetitions, the best of them: the machine is shared, and
         # interference only ever slows a run down.
         key = (op, who, int(n))
-        time[key] = min(time.get(key, float("inf")), r["real_time"])
+        time[key] = min(time.get(key, float("inf")), r["cpu_time"])
         rate[key] = max(rate.get(key, 0.0), r.get("bytes_per_second", 0.0))
     ops = []
     for (op, _, _) in time:

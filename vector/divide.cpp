@@ -161,7 +161,22 @@ inline bool withinRange(Pd a, Pd b, Pd c, Pd d)
    2^255, which keeps p, q, t and the recovered reciprocals normal: a
    denormal or huge divisor beside ordinary ones would otherwise lose its
    reciprocal to overflow or underflow although s is normal. */
-template <bool kAlignedStore>
+enum BlockStore { kAlignedStore, kStreamStore, kUnalignedStore };
+
+template <BlockStore kStore>
+inline void storeBlock(double* dst, Pd r0, Pd r1, Pd r2, Pd r3)
+{
+    if (kStore == kAlignedStore) {
+        pd::storeA(dst, r0); pd::storeA(dst + 2, r1); pd::storeA(dst + 4, r2); pd::storeA(dst + 6, r3);
+    } else if (kStore == kStreamStore) {
+        pd::storeStream(dst, r0); pd::storeStream(dst + 2, r1);
+        pd::storeStream(dst + 4, r2); pd::storeStream(dst + 6, r3);
+    } else {
+        pd::storeU(dst, r0); pd::storeU(dst + 2, r1); pd::storeU(dst + 4, r2); pd::storeU(dst + 6, r3);
+    }
+}
+
+template <BlockStore kStore>
 inline bool divideBlock(const double* num, const double* den, double* dst)
 {
     const Pd b0 = pd::loadU(den), b1 = pd::loadU(den + 2), b2 = pd::loadU(den + 4), b3 = pd::loadU(den + 6);
@@ -182,11 +197,7 @@ inline bool divideBlock(const double* num, const double* den, double* dst)
         r2 = dividePairGuarded(n2, b2, &zero);
         r3 = dividePairGuarded(n3, b3, &zero);
     }
-    if (kAlignedStore) {
-        pd::storeA(dst, r0); pd::storeA(dst + 2, r1); pd::storeA(dst + 4, r2); pd::storeA(dst + 6, r3);
-    } else {
-        pd::storeU(dst, r0); pd::storeU(dst + 2, r1); pd::storeU(dst + 4, r2); pd::storeU(dst + 6, r3);
-    }
+    storeBlock<kStore>(dst, r0, r1, r2, r3);
     return zero;
 }
 
@@ -200,12 +211,21 @@ bool divideBatched(const double* num, const double* den, double* dst, size_t n)
         i = 1;
     }
     const bool aligned = reinterpret_cast<uintptr_t>(dst + i) % 16 == 0;
+    /* A result of a megabyte or more goes past the caches, as in the other
+       packed loops. */
+    const bool stream = aligned && n * sizeof(double) >= (size_t(1) << 20);
     for (; i + 8 <= n; i += 8) {
         pd::prefetch(num + i + 16);
         pd::prefetch(den + i + 16);
-        zero |= aligned ? divideBlock<true>(num + i, den + i, dst + i)
-                        : divideBlock<false>(num + i, den + i, dst + i);
+        if (stream)
+            zero |= divideBlock<kStreamStore>(num + i, den + i, dst + i);
+        else if (aligned)
+            zero |= divideBlock<kAlignedStore>(num + i, den + i, dst + i);
+        else
+            zero |= divideBlock<kUnalignedStore>(num + i, den + i, dst + i);
     }
+    if (stream)
+        pd::endStreaming();
     for (; i < n; ++i)
         zero |= divideOne(num, den, dst, i);
     return zero;
