@@ -212,8 +212,8 @@ bool divideBatched(const double* num, const double* den, double* dst, size_t n)
     }
     const bool aligned = reinterpret_cast<uintptr_t>(dst + i) % 16 == 0;
     /* A result of a megabyte or more goes past the caches, as in the other
-       packed loops. */
-    const bool stream = aligned && n * sizeof(double) >= (size_t(1) << 20);
+       packed loops, unless it overwrites a source (the in-place form). */
+    const bool stream = aligned && dst != num && dst != den && n * sizeof(double) >= (size_t(1) << 20);
     for (; i + 8 <= n; i += 8) {
         pd::prefetch(num + i + 16);
         pd::prefetch(den + i + 16);

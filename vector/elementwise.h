@@ -19,8 +19,8 @@
  *     blocks (one cache line of each source) to a turn of the loop,
  *     with one instance for each combination of source alignments (aligned
  *     or unaligned loads) so that no block tests alignment;
- *   - a 16-aligned destination of kStreamFromBytes or more is written with
- *     streaming stores;
+ *   - a 16-aligned destination of kStreamFromBytes or more that no source
+ *     shares (not the in-place forms) is written with streaming stores;
  *   - a destination that isn't 16-aligned after the head stores unaligned
  *     (complex), or with two 8-byte stores when it isn't even 8-aligned;
  *   - up to three doubles of tail, one element at a time.
@@ -188,7 +188,12 @@ void runPacked(const Op& op, const double* const* in, double* out, size_t nd)
         mask |= (reinterpret_cast<uintptr_t>(at[k]) % 16 == 0 ? 1u : 0u) << k;
     }
     const uintptr_t dd = reinterpret_cast<uintptr_t>(out + i);
-    if (dd % 16 == 0 && body * sizeof(double) >= kStreamFromBytes) {
+    /* A destination that is also a source has its lines read anyway:
+       streaming would save nothing there, and would evict what it reads. */
+    bool readsDestination = false;
+    for (int k = 0; k < Op::kIn; ++k)
+        readsDestination = readsDestination || in[k] == out;
+    if (dd % 16 == 0 && !readsDestination && body * sizeof(double) >= kStreamFromBytes) {
         blocksFor<Op, kStoreStream>(mask, op, at, out + i, body);
         pd::endStreaming();
     } else if (dd % 16 == 0) {
