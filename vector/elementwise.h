@@ -34,6 +34,10 @@
 #include "core/column.h"
 #include "vector/f64x2.h"
 
+/* The pieces of a loop body must fold into the loop: with many instances
+   about, the compiler may otherwise leave a call per block. */
+#define OMN_EW_INLINE inline __attribute__((always_inline))
+
 OMN_COLUMN_BEGIN
 namespace ew {
 
@@ -43,7 +47,7 @@ constexpr bool kPackedKernels = OMN_COLUMN_INDEX >= 2;
 
 /* One element at double offset i. */
 template <class Op>
-inline void step(const Op& op, const double* const* in, double* out, size_t i)
+OMN_EW_INLINE void step(const Op& op, const double* const* in, double* out, size_t i)
 {
     if constexpr (Op::kStep == 1) {
         double v[Op::kIn];
@@ -77,10 +81,10 @@ inline void runScalar(const Op& op, const double* const* in, double* out, size_t
 enum StoreKind { kStoreAligned, kStoreStream, kStoreUnaligned, kStoreHalves };
 
 template <bool kAligned>
-inline Pd load(const double* p) { return kAligned ? pd::loadA(p) : pd::loadU(p); }
+OMN_EW_INLINE Pd load(const double* p) { return kAligned ? pd::loadA(p) : pd::loadU(p); }
 
 template <StoreKind kStore>
-inline void store(double* p, Pd v)
+OMN_EW_INLINE void store(double* p, Pd v)
 {
     if constexpr (kStore == kStoreAligned)
         pd::storeA(p, v);
@@ -94,7 +98,7 @@ inline void store(double* p, Pd v)
 
 /* Four doubles of every source from k on, as two pairs each. */
 template <unsigned kAlignedIn, int kN, int k = 0>
-inline void loadSources(Pd* a, Pd* b, const double* const* in, size_t i)
+OMN_EW_INLINE void loadSources(Pd* a, Pd* b, const double* const* in, size_t i)
 {
     if constexpr (k < kN) {
         constexpr bool kAligned = ((kAlignedIn >> k) & 1) != 0;
@@ -105,7 +109,7 @@ inline void loadSources(Pd* a, Pd* b, const double* const* in, size_t i)
 }
 
 template <int kN, int k = 0>
-inline void prefetchSources(const double* const* in, size_t i)
+OMN_EW_INLINE void prefetchSources(const double* const* in, size_t i)
 {
     if constexpr (k < kN) {
         pd::prefetch(in[k] + i);
@@ -114,7 +118,7 @@ inline void prefetchSources(const double* const* in, size_t i)
 }
 
 template <class Op, unsigned kAlignedIn, StoreKind kStore>
-inline void block(const Op& op, const double* const* in, double* out, size_t i)
+OMN_EW_INLINE void block(const Op& op, const double* const* in, double* out, size_t i)
 {
     Pd a[Op::kIn], b[Op::kIn];
     loadSources<kAlignedIn, Op::kIn>(a, b, in, i);
@@ -127,8 +131,13 @@ inline void block(const Op& op, const double* const* in, double* out, size_t i)
    each source, so the loop takes two at a time and prefetches once a line,
    64 bytes ahead. */
 template <class Op, unsigned kAlignedIn, StoreKind kStore, bool kPrefetch>
-void blocks(const Op& op, const double* const* in, double* out, size_t nd)
+void blocks(const Op& op, const double* const* inArg, double* out, size_t nd)
 {
+    /* The source pointers as locals: vector stores may alias anything, and
+       would otherwise make the loop reload them from the caller's array. */
+    const double* in[Op::kIn];
+    for (int k = 0; k < Op::kIn; ++k)
+        in[k] = inArg[k];
     size_t i = 0;
     for (; i + 8 <= nd; i += 8) {
         if (kPrefetch)
