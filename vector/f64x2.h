@@ -34,7 +34,7 @@ inline double   fromBits(uint64_t b) { double x; memcpy(&x, &b, sizeof x); retur
 /* Reciprocal root of four singles: the hardware's 12-bit estimate and one
    Newton step, y = 0.5*y0*(3 - m*y0*y0), for some 22 bits.  The estimate of
    every processor is brought this close, so the double steps that follow
-   give the same results everywhere, within a unit in the last place. */
+   end within a couple of units in the last place everywhere. */
 inline __m128 rsqrtRefined(__m128 m)
 {
     const __m128 y0 = _mm_rsqrt_ps(m);

@@ -32,8 +32,8 @@
  * 0.5*s*(3 - s*y1), and k is added to the exponent of the result as an
  * integer.  No division and no full-precision root.  The estimate is the
  * processor's single-precision one, refined once in single precision
- * (pd::rsqrtRefined), so that the two double steps end within about a unit
- * in the last place.
+ * (pd::rsqrtRefined), so that the two double steps end within a couple of
+ * units in the last place.
  */
 #include "core/column.h"
 #include "core/cpu.h"
