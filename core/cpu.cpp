@@ -208,6 +208,7 @@ uint32_t omnSetMxcsrRounding(uint32_t bits)
 }
 
 void omnRestoreMxcsr(uint32_t word) { hwWriteMxcsr(word); }
+uint32_t omnReadMxcsr() { return hwReadMxcsr(); }
 
 #if OMN_X86
 uint16_t omnSetX87ControlBits(uint16_t bits, uint16_t mask)

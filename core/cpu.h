@@ -66,6 +66,8 @@ OmnStatus omnSetDenormAreZerosWith(const OmnCpuAccess& acc, int value);
 /* MXCSR bits used by the controls. */
 enum : uint32_t {
     kMxcsrDaz           = 0x0040,
+    kMxcsrInvalidMask   = 0x0080,
+    kMxcsrDenormalMask  = 0x0100,
     kMxcsrExceptionMask = 0x1F80,
     kMxcsrUnderflowMask = 0x0800,
     kMxcsrRounding      = 0x6000,
@@ -77,6 +79,7 @@ enum : uint32_t {
    changes, since loading a control word is slow. */
 uint32_t omnSetMxcsrRounding(uint32_t bits);      /* returns the old MXCSR */
 void     omnRestoreMxcsr(uint32_t word);
+uint32_t omnReadMxcsr();                          /* the calling thread's MXCSR */
 uint16_t omnSetX87ControlBits(uint16_t bits, uint16_t mask);  /* returns the old word */
 void     omnRestoreX87Control(uint16_t word);
 

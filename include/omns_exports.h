@@ -20,6 +20,9 @@
  * The file has no include guard on purpose: it is included several times.
  */
 
+/* Status messages */
+OMN_EXPORT_COMMON(const char*, omnGetStatusString, (OmnStatus status))
+
 /* Processor identification and floating-point controls */
 OMN_EXPORT_COMMON(int,       omnGetCpuType,        (void))
 OMN_EXPORT_COMMON(Omn64u,    omnGetCpuClocks,      (void))
@@ -110,6 +113,57 @@ OMN_EXPORT(OmnStatus, omnsFlip_64f,        (const Omn64f* pSrc, Omn64f* pDst, in
 OMN_EXPORT(OmnStatus, omnsFlip_64f_I,      (Omn64f* pSrcDst, int len))
 OMN_EXPORT(OmnStatus, omnsSwapBytes_24u_I, (Omn8u* pSrcDst, int len))
 OMN_EXPORT(OmnStatus, omnsSwapBytes_24u,   (const Omn8u* pSrc, Omn8u* pDst, int len))
+
+/* Element-wise arithmetic on doubles and double complex.  Two-source forms
+   take the second source as minuend and dividend. */
+OMN_EXPORT(OmnStatus, omnsAddC_64f_I,     (Omn64f val, Omn64f* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsAddC_64fc_I,    (Omn64fc val, Omn64fc* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsSubC_64f_I,     (Omn64f val, Omn64f* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsSubC_64fc_I,    (Omn64fc val, Omn64fc* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsSubCRev_64f_I,  (Omn64f val, Omn64f* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsSubCRev_64fc_I, (Omn64fc val, Omn64fc* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsMulC_64f_I,     (Omn64f val, Omn64f* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsMulC_64fc_I,    (Omn64fc val, Omn64fc* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsAddC_64f,       (const Omn64f* pSrc, Omn64f val, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsAddC_64fc,      (const Omn64fc* pSrc, Omn64fc val, Omn64fc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsSubC_64f,       (const Omn64f* pSrc, Omn64f val, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsSubC_64fc,      (const Omn64fc* pSrc, Omn64fc val, Omn64fc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsSubCRev_64f,    (const Omn64f* pSrc, Omn64f val, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsSubCRev_64fc,   (const Omn64fc* pSrc, Omn64fc val, Omn64fc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsMulC_64f,       (const Omn64f* pSrc, Omn64f val, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsMulC_64fc,      (const Omn64fc* pSrc, Omn64fc val, Omn64fc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsAdd_64f_I,      (const Omn64f* pSrc, Omn64f* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsAdd_64fc_I,     (const Omn64fc* pSrc, Omn64fc* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsSub_64f_I,      (const Omn64f* pSrc, Omn64f* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsSub_64fc_I,     (const Omn64fc* pSrc, Omn64fc* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsMul_64f_I,      (const Omn64f* pSrc, Omn64f* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsMul_64fc_I,     (const Omn64fc* pSrc, Omn64fc* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsAdd_64f,        (const Omn64f* pSrc1, const Omn64f* pSrc2, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsAdd_64fc,       (const Omn64fc* pSrc1, const Omn64fc* pSrc2, Omn64fc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsSub_64f,        (const Omn64f* pSrc1, const Omn64f* pSrc2, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsSub_64fc,       (const Omn64fc* pSrc1, const Omn64fc* pSrc2, Omn64fc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsMul_64f,        (const Omn64f* pSrc1, const Omn64f* pSrc2, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsMul_64fc,       (const Omn64fc* pSrc1, const Omn64fc* pSrc2, Omn64fc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsAddProduct_64f, (const Omn64f* pSrc1, const Omn64f* pSrc2, Omn64f* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsAddProduct_64fc,(const Omn64fc* pSrc1, const Omn64fc* pSrc2, Omn64fc* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsSqr_64f_I,      (Omn64f* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsSqr_64fc_I,     (Omn64fc* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsSqr_64f,        (const Omn64f* pSrc, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsSqr_64fc,       (const Omn64fc* pSrc, Omn64fc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsDiv_64f,        (const Omn64f* pSrc1, const Omn64f* pSrc2, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsDiv_64fc,       (const Omn64fc* pSrc1, const Omn64fc* pSrc2, Omn64fc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsDivC_64f,       (const Omn64f* pSrc, Omn64f val, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsDivC_64fc,      (const Omn64fc* pSrc, Omn64fc val, Omn64fc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsDiv_64f_I,      (const Omn64f* pSrc, Omn64f* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsDiv_64fc_I,     (const Omn64fc* pSrc, Omn64fc* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsDivC_64f_I,     (Omn64f val, Omn64f* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsDivC_64fc_I,    (Omn64fc val, Omn64fc* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsSqrt_64f_I,     (Omn64f* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsSqrt_64fc_I,    (Omn64fc* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsSqrt_64f,       (const Omn64f* pSrc, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsSqrt_64fc,      (const Omn64fc* pSrc, Omn64fc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsAbs_64f_I,      (Omn64f* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsAbs_64f,        (const Omn64f* pSrc, Omn64f* pDst, int len))
 
 /* Version record of the accuracy-class group */
 OMN_EXPORT(const OmnLibVersion*, omnvmGetLibVersion, (void))
