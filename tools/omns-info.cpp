@@ -4,7 +4,7 @@
 // Prints both version records, the processor type and information record,
 // the column in force, then a throughput table: the library's functions
 // through their exports (the column in force) and each column's variant,
-// against the C library on the same buffers.
+// against the C library or a plain loop on the same buffers.
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -54,8 +54,8 @@ void printCpuInfo()
 // ---- throughput -----------------------------------------------------------
 
 struct Buffers {
-    std::vector<double> src, dst;
-    explicit Buffers(size_t n) : src(n, 1.25), dst(n, 0.0) {}
+    std::vector<double> src, src2, dst;
+    explicit Buffers(size_t n) : src(n, 1.25), src2(n, -0.5), dst(n, 0.0) {}
 };
 
 using Kernel = void (*)(Buffers&, int n);
@@ -75,6 +75,9 @@ void setK(Buffers& b, int n) { F(3.5, b.dst.data(), n); }
 template <OmnStatus (*F)(Omn64f*, int)>
 void zeroK(Buffers& b, int n) { F(b.dst.data(), n); }
 
+template <OmnStatus (*F)(const Omn64f*, const Omn64f*, Omn64f*, int)>
+void addK(Buffers& b, int n) { F(b.src.data(), b.src2.data(), b.dst.data(), n); }
+
 void libcCopy(Buffers& b, int n) { memcpy(b.dst.data(), b.src.data(), n * sizeof(double)); }
 void libcMove(Buffers& b, int n) { memmove(b.dst.data(), b.dst.data() + 1, (n - 1) * sizeof(double)); }
 void libcSet(Buffers& b, int n)
@@ -84,6 +87,14 @@ void libcSet(Buffers& b, int n)
         d[i] = 3.5;
 }
 void libcZero(Buffers& b, int n) { memset(b.dst.data(), 0, n * sizeof(double)); }
+void loopAdd(Buffers& b, int n)
+{
+    const double* x = b.src.data();
+    const double* y = b.src2.data();
+    double* d = b.dst.data();
+    for (int i = 0; i < n; ++i)
+        d[i] = y[i] + x[i];
+}
 
 #define OMN_ROW(kind, fn, bytes, libc) \
     { #fn, bytes, { kind<::fn>, kind<omn::px::fn>, kind<omn::a6::fn>, kind<omn::w7::fn>, kind<omn::t7::fn>, libc } }
@@ -93,8 +104,9 @@ const Row kRows[] = {
     OMN_ROW(moveK, omnsMove_64f, 16, libcMove),
     OMN_ROW(setK, omnsSet_64f, 8, libcSet),
     OMN_ROW(zeroK, omnsZero_64f, 8, libcZero),
+    OMN_ROW(addK, omnsAdd_64f, 24, loopAdd),
 };
-const char* const kLibcName[] = { "memcpy", "memmove", "loop", "memset" };
+const char* const kLibcName[] = { "memcpy", "memmove", "loop", "memset", "loop" };
 
 // Best of a few timed repetitions, in GB/s.
 double gbPerSecond(Kernel k, Buffers& b, int n, double bytesPerElement)
@@ -121,7 +133,7 @@ void printThroughput()
     struct Size { const char* label; int elements; };
     const Size sizes[] = { { "32 KiB", 4096 }, { "64 MiB", 8 << 20 } };
     printf("\nthroughput in GB/s (best of 5; bytes read + written)\n");
-    printf("%-14s %-7s %8s %8s %8s %8s %8s   %s\n", "function", "size", "export", "px", "a6", "w7", "t7", "C library");
+    printf("%-14s %-7s %8s %8s %8s %8s %8s   %s\n", "function", "size", "export", "px", "a6", "w7", "t7", "plain C");
     for (const Size& s : sizes) {
         Buffers b(static_cast<size_t>(s.elements));
         for (size_t r = 0; r < sizeof kRows / sizeof kRows[0]; ++r) {
