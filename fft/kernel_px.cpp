@@ -10,6 +10,8 @@
  */
 #include "core/column.h"
 
+#include <string.h>
+
 #include "fft/engine.h"
 
 OMN_COLUMN_BEGIN
@@ -81,69 +83,143 @@ void permuteOutOfPlace(const double* s, double* d, int k, const Omn32s* t)
     }
 }
 
+/* One radix-4 butterfly of a pass: a1 (a quarter on) takes the second
+   table power, a2 the first, a3 the third, since the quarters stand in
+   bit-reversed order. */
+template <bool Inv, bool Twiddled>
+inline void radix4(double* p0, double* p1, double* p2, double* p3, const double* w)
+{
+    const double a0r = p0[0], a0i = p0[1];
+    double u1r = p1[0], u1i = p1[1], u2r = p2[0], u2i = p2[1], u3r = p3[0], u3i = p3[1];
+    if (Twiddled) {
+        const double w1r = w[0], w2r = w[2], w3r = w[4];
+        const double w1i = Inv ? -w[1] : w[1], w2i = Inv ? -w[3] : w[3], w3i = Inv ? -w[5] : w[5];
+        const double b1r = u1r, b1i = u1i, b2r = u2r, b2i = u2i, b3r = u3r, b3i = u3i;
+        u1r = b1r * w2r - b1i * w2i;
+        u1i = b1r * w2i + b1i * w2r;
+        u2r = b2r * w1r - b2i * w1i;
+        u2i = b2r * w1i + b2i * w1r;
+        u3r = b3r * w3r - b3i * w3i;
+        u3i = b3r * w3i + b3i * w3r;
+    }
+    const double s0r = a0r + u1r, s0i = a0i + u1i, d0r = a0r - u1r, d0i = a0i - u1i;
+    const double s1r = u2r + u3r, s1i = u2i + u3i, d1r = u2r - u3r, d1i = u2i - u3i;
+    p0[0] = s0r + s1r;
+    p0[1] = s0i + s1i;
+    p2[0] = s0r - s1r;
+    p2[1] = s0i - s1i;
+    if (!Inv) {
+        p1[0] = d0r + d1i;
+        p1[1] = d0i - d1r;
+        p3[0] = d0r - d1i;
+        p3[1] = d0i + d1r;
+    } else {
+        p1[0] = d0r - d1i;
+        p1[1] = d0i + d1r;
+        p3[0] = d0r + d1i;
+        p3[1] = d0i - d1r;
+    }
+}
+
+/* The first pass on four adjacent values, in place: no twiddles, the
+   middle input's sub-results at position 1. */
+template <bool Inv>
+inline void first4(double* a)
+{
+    const double s0r = a[0] + a[2], s0i = a[1] + a[3], d0r = a[0] - a[2], d0i = a[1] - a[3];
+    const double s1r = a[4] + a[6], s1i = a[5] + a[7], d1r = a[4] - a[6], d1i = a[5] - a[7];
+    a[0] = s0r + s1r;
+    a[1] = s0i + s1i;
+    a[4] = s0r - s1r;
+    a[5] = s0i - s1i;
+    if (!Inv) {
+        a[2] = d0r + d1i;
+        a[3] = d0i - d1r;
+        a[6] = d0r - d1i;
+        a[7] = d0i + d1r;
+    } else {
+        a[2] = d0r - d1i;
+        a[3] = d0i + d1r;
+        a[6] = d0r + d1i;
+        a[7] = d0i - d1r;
+    }
+}
+
+/* The radix-2 pass of length 8 on eight adjacent values: position j with
+   W(8)^j, the multiplications by W(8) as (re + im) c and (im - re) c. */
+template <bool Inv>
+inline void radix2by8(double* a, double c)
+{
+    double* b = a + 8;
+    double wr[4], wi[4];
+    wr[0] = b[0];
+    wi[0] = b[1];
+    if (!Inv) {
+        wr[1] = (b[2] + b[3]) * c;
+        wi[1] = (b[3] - b[2]) * c;
+        wr[2] = b[5];
+        wi[2] = -b[4];
+        wr[3] = (b[7] - b[6]) * c;
+        wi[3] = (b[6] + b[7]) * -c;
+    } else {
+        wr[1] = (b[2] - b[3]) * c;
+        wi[1] = (b[2] + b[3]) * c;
+        wr[2] = -b[5];
+        wi[2] = b[4];
+        wr[3] = (b[6] + b[7]) * -c;
+        wi[3] = (b[6] - b[7]) * c;
+    }
+    for (int j = 0; j < 4; ++j) {
+        const double ar = a[2 * j], ai = a[2 * j + 1];
+        a[2 * j] = ar + wr[j];
+        a[2 * j + 1] = ai + wi[j];
+        b[2 * j] = ar - wr[j];
+        b[2 * j + 1] = ai - wi[j];
+    }
+}
+
 /* The radix-4 kernel over bit-reversed data of order k (4 to 9), with the
    butterfly table of order k. */
 template <bool Inv>
 void kernel(double* d, int k, const double* tw)
 {
     const int n = 1 << k;
-    /* First pass: four adjacent values, the middle input's sub-results at
-       position 1. */
-    for (int i = 0; i < 2 * n; i += 8) {
-        double* a = d + i;
-        const double s0r = a[0] + a[2], s0i = a[1] + a[3], d0r = a[0] - a[2], d0i = a[1] - a[3];
-        const double s1r = a[4] + a[6], s1i = a[5] + a[7], d1r = a[4] - a[6], d1i = a[5] - a[7];
-        a[0] = s0r + s1r;
-        a[1] = s0i + s1i;
-        a[4] = s0r - s1r;
-        a[5] = s0i - s1i;
-        if (!Inv) {
-            a[2] = d0r + d1i;
-            a[3] = d0i - d1r;
-            a[6] = d0r - d1i;
-            a[7] = d0i + d1r;
-        } else {
-            a[2] = d0r - d1i;
-            a[3] = d0i + d1r;
-            a[6] = d0r + d1i;
-            a[7] = d0i - d1r;
+    /* The first two passes in one sweep, so the data are loaded and stored
+       once for both: groups of 16 (even order: two radix-4 passes, the
+       second with the table's entries for length 16) or 8 (odd order: a
+       radix-4 pass and a radix-2 pass with W(8) from entry N/8). */
+    int len;
+    if ((k & 1) == 0) {
+        const int step = 6 * (n / 16);
+        const double* w1 = tw + step;
+        const double* w2 = w1 + step;
+        const double* w3 = w2 + step;
+        for (int i = 0; i < 2 * n; i += 32) {
+            double v[32];
+            memcpy(v, d + i, sizeof v);
+            for (int s = 0; s < 32; s += 8)
+                first4<Inv>(v + s);
+            radix4<Inv, false>(v, v + 8, v + 16, v + 24, nullptr);
+            radix4<Inv, true>(v + 2, v + 10, v + 18, v + 26, w1);
+            radix4<Inv, true>(v + 4, v + 12, v + 20, v + 28, w2);
+            radix4<Inv, true>(v + 6, v + 14, v + 22, v + 30, w3);
+            memcpy(d + i, v, sizeof v);
         }
-    }
-    int len = 16;
-    if (k & 1) {
-        /* Radix-2 pass of length 8: W(8) from the table's entry N/8. */
+        len = 64;
+    } else {
         const double c = tw[6 * (n / 8)];
         for (int i = 0; i < 2 * n; i += 16) {
-            double* a = d + i;
-            double* b = a + 8;
-            double wr[4], wi[4];
-            wr[0] = b[0];
-            wi[0] = b[1];
-            if (!Inv) {
-                wr[1] = (b[2] + b[3]) * c;
-                wi[1] = (b[3] - b[2]) * c;
-                wr[2] = b[5];
-                wi[2] = -b[4];
-                wr[3] = (b[7] - b[6]) * c;
-                wi[3] = (b[6] + b[7]) * -c;
-            } else {
-                wr[1] = (b[2] - b[3]) * c;
-                wi[1] = (b[2] + b[3]) * c;
-                wr[2] = -b[5];
-                wi[2] = b[4];
-                wr[3] = (b[6] + b[7]) * -c;
-                wi[3] = (b[6] - b[7]) * c;
-            }
-            for (int j = 0; j < 4; ++j) {
-                const double ar = a[2 * j], ai = a[2 * j + 1];
-                a[2 * j] = ar + wr[j];
-                a[2 * j + 1] = ai + wi[j];
-                b[2 * j] = ar - wr[j];
-                b[2 * j + 1] = ai - wi[j];
-            }
+            double v[16];
+            memcpy(v, d + i, sizeof v);
+            first4<Inv>(v);
+            first4<Inv>(v + 8);
+            radix2by8<Inv>(v, c);
+            memcpy(d + i, v, sizeof v);
         }
         len = 32;
     }
+    /* The whole leaf is in the first-level cache, so each twiddle is read
+       once and applied to every group (butterfly index outermost). */
     for (; len <= n; len *= 4) {
         const int q = len / 4;
         const int step = 6 * (n / len);
@@ -152,44 +228,17 @@ void kernel(double* d, int k, const double* tw)
             double* p1 = p0 + 2 * q;
             double* p2 = p1 + 2 * q;
             double* p3 = p2 + 2 * q;
-            const double* w = tw;
-            for (int j = 0; j < 2 * q; j += 2, w += step) {
-                const double a0r = p0[j], a0i = p0[j + 1];
-                double u1r, u1i, u2r, u2i, u3r, u3i;
-                if (j == 0) {
-                    u1r = p1[0]; u1i = p1[1];
-                    u2r = p2[0]; u2i = p2[1];
-                    u3r = p3[0]; u3i = p3[1];
-                } else {
-                    const double w1r = w[0], w2r = w[2], w3r = w[4];
-                    const double w1i = Inv ? -w[1] : w[1], w2i = Inv ? -w[3] : w[3], w3i = Inv ? -w[5] : w[5];
-                    const double b1r = p1[j], b1i = p1[j + 1], b2r = p2[j], b2i = p2[j + 1], b3r = p3[j], b3i = p3[j + 1];
-                    u1r = b1r * w2r - b1i * w2i;
-                    u1i = b1r * w2i + b1i * w2r;
-                    u2r = b2r * w1r - b2i * w1i;
-                    u2i = b2r * w1i + b2i * w1r;
-                    u3r = b3r * w3r - b3i * w3i;
-                    u3i = b3r * w3i + b3i * w3r;
-                }
-                const double s0r = a0r + u1r, s0i = a0i + u1i, d0r = a0r - u1r, d0i = a0i - u1i;
-                const double s1r = u2r + u3r, s1i = u2i + u3i, d1r = u2r - u3r, d1i = u2i - u3i;
-                p0[j] = s0r + s1r;
-                p0[j + 1] = s0i + s1i;
-                p2[j] = s0r - s1r;
-                p2[j + 1] = s0i - s1i;
-                if (!Inv) {
-                    p1[j] = d0r + d1i;
-                    p1[j + 1] = d0i - d1r;
-                    p3[j] = d0r - d1i;
-                    p3[j + 1] = d0i + d1r;
-                } else {
-                    p1[j] = d0r - d1i;
-                    p1[j + 1] = d0i + d1r;
-                    p3[j] = d0r + d1i;
-                    p3[j + 1] = d0i - d1r;
-                }
-            }
+            radix4<Inv, false>(p0, p1, p2, p3, nullptr);
         }
+        const double* w = tw + step;
+        for (int j = 2; j < 2 * q; j += 2, w += step)
+            for (int g = 0; g < n; g += len) {
+                double* p0 = d + 2 * g + j;
+                double* p1 = p0 + 2 * q;
+                double* p2 = p1 + 2 * q;
+                double* p3 = p2 + 2 * q;
+                radix4<Inv, true>(p0, p1, p2, p3, w);
+            }
     }
 }
 
