@@ -267,6 +267,35 @@ void leaf(double* d, int k, const double* tw)
     passes<Inv>(d, k, tw, d, false);
 }
 
+/* Leaf kernel that gathers its row straight from the natural-order source
+   instead of from permuted data: row p of a level of outer order r is the
+   transform of x[s + R m], s the bit reversal of p on r bits.  The core's
+   own bit-reversal table serves the row's order c, since
+   rev_(k-2)(i 2^r) = rev_(c-2)(i).  This spares the separate permutation
+   of the whole array when src and dst differ. */
+template <bool Inv>
+void leafGather(const double* src, int64_t stride, double* out, int c, const double* tw, const Omn32s* rev, int shift)
+{
+    const int64_t cn = int64_t(1) << c;
+    if ((c & 1) == 0) {
+        const int64_t quarter = cn / 4;
+        firstPass<Inv>(out, c, [&](int64_t i, int j) { return src + 2 * stride * (rev[i << shift] / 2 + j * quarter); });
+    } else {
+        const int64_t eighth = cn / 8;
+        firstPass<Inv>(out, c,
+                       [&](int64_t i, int j) { return src + 2 * stride * (rev[(2 * i) << shift] / 2 + j * eighth); });
+    }
+    passes<Inv>(out, c, tw, out, false);
+}
+
+inline int64_t reverseBits(int64_t v, int bits)
+{
+    int64_t r = 0;
+    for (int b = 0; b < bits; ++b, v >>= 1)
+        r = (r << 1) | (v & 1);
+    return r;
+}
+
 /* Bit reversal with the w7/t7 table: element 4i + m comes from
    rev(i) + rev2(m) N/4. */
 void permute(const Omn64fc* src, Omn64fc* dst, int k, const Omn32s* rev)
@@ -300,7 +329,8 @@ void permute(const Omn64fc* src, Omn64fc* dst, int k, const Omn32s* rev)
    T adjacent columns through the buffer.  Level 0 leaves interleaved data,
    deeper levels pair-split data for the level above. */
 template <bool Inv>
-void blocked(double* d, int k, int l, const OmnFftSpecRecord* spec, bool scaled, double* buf)
+void blocked(double* d, int k, int l, const OmnFftSpecRecord* spec, bool scaled, double* buf,
+             const Omn64fc* gather = nullptr)
 {
     /* The split tables reach order 30 in three levels. */
     if (l >= kOmnFftMaxLevels)
@@ -308,7 +338,19 @@ void blocked(double* d, int k, int l, const OmnFftSpecRecord* spec, bool scaled,
     const int r = kSplit[k];
     const int c = k - r;
     const int64_t rows = int64_t(1) << r, cols = int64_t(1) << c, span = int64_t(1) << (kTile[k] - r);
-    for (int64_t p = 0; p < rows; ++p) {
+    if (gather != nullptr) {
+        /* Rows in the order of their source offset s, so that neighbouring
+           rows share the source's cache lines. */
+        const double* tw = static_cast<const double*>(spec->leafTwiddle);
+        const Omn32s* rev = static_cast<const Omn32s*>(spec->bitRev);
+        for (int64_t s = 0; s < rows; ++s) {
+            double* row = d + 2 * reverseBits(s, r) * cols;
+            leafGather<Inv>(reinterpret_cast<const double*>(gather + s), rows, row, c, tw, rev, r);
+            if (scaled)
+                scaleDoubles(row, 2 * cols, spec->scale);
+        }
+    }
+    for (int64_t p = 0; p < rows && gather == nullptr; ++p) {
         double* row = d + 2 * p * cols;
         if (c <= kDirectLimit) {
             leaf<Inv>(row, c, static_cast<const double*>(spec->leafTwiddle));
@@ -373,6 +415,10 @@ void run(const Omn64fc* src, Omn64fc* dst, const OmnFftSpecRecord* spec, int k, 
         fused<Inv>(src, dst, k, spec, work);
         if (scaled)
             scaleDoubles(reinterpret_cast<double*>(dst), size_t(2) << k, spec->scale);
+        return;
+    }
+    if (src != dst && k - kSplit[k] <= kDirectLimit) {
+        blocked<Inv>(reinterpret_cast<double*>(dst), k, 0, spec, scaled, work, src);
         return;
     }
     permute(src, dst, k, static_cast<const Omn32s*>(spec->bitRev));
