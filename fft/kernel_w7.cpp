@@ -430,6 +430,12 @@ void run(const Omn64fc* src, Omn64fc* dst, const OmnFftSpecRecord* spec, int k, 
 void transform(const Omn64fc* src, Omn64fc* dst, const OmnFftSpecRecord* spec, int k, bool inv, bool scaled,
                double* work)
 {
+    /* A core below order 4 (a real spec of order 4 and less) is one of the
+       straight-line routines. */
+    if (k < 4) {
+        kSmall[inv][scaled][k](src, dst, spec->scale);
+        return;
+    }
     if (inv)
         run<true>(src, dst, spec, k, scaled, work);
     else
