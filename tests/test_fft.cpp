@@ -374,7 +374,10 @@ TEST_P(FftTest, BufSizeByOrderAndColumn)
             CplxSpec s(c, r.k, 2);
             EXPECT_EQ(s.bufSize(), want) << "complex order " << r.k;
         }
-        // A real spec reports its half-length core.
+        // A real spec reports its half-length core (checked up to core order
+        // 18, where each column has taken its blocked shape).
+        if (r.k > 18)
+            continue;
         OmnRealFftSpec* rs = nullptr;
         ASSERT_EQ(tf::omnsRealFftCreate_64f[c](&rs, r.k + 1, 8, 0), 0);
         int size = -1;
@@ -494,7 +497,8 @@ TEST_P(FftTest, MatchesLongDoubleDft)
 }
 
 // Above order 12: exactly known spectra in both directions under every
-// flag, the three placements taking turns, and a round trip.
+// flag (orders 19 and 20: flags 2 and 8), the three placements taking
+// turns, and a round trip.
 TEST_P(FftTest, KnownSpectraAndRoundTripsToOrder20)
 {
     const int c = col();
@@ -503,6 +507,10 @@ TEST_P(FftTest, KnownSpectraAndRoundTripsToOrder20)
         double worst = 0;
         const Known known[2] = { knownSignal(order, false), knownSignal(order, true) };
         for (int f = 0; f < 4; ++f) {
+            // The two largest orders take two flags only: the scaling is the
+            // same code at every order, and they are the costly ones.
+            if (order > 18 && (flags[f] == 1 || flags[f] == 4))
+                continue;
             CplxSpec spec(c, order, flags[f]);
             for (bool inv : { false, true }) {
                 const Known& k = known[inv];
@@ -552,19 +560,24 @@ class FftShapeTest : public ::testing::TestWithParam<Shape> {};
 TEST_P(FftShapeTest, ExactSpectrumAndSameBitsInEveryPlacement)
 {
     const Shape& r = GetParam();
-    // The inverse only where it stays cheap: the passes are the same code.
+    // Above order 20 only the forward, and no in-place run: these orders
+    // permute the whole array in both placements, so in place runs the
+    // same code as out of place.
+    const bool large = r.order > 20;
     for (bool inv : { false, true }) {
-        if (inv && r.order > 19)
+        if (inv && large)
             continue;
         const Known k = knownSignal(r.order, inv);
         CplxSpec spec(r.col, r.order, inv ? 2 : 8);
         const std::vector<Omn64fc> a = run(r.col, spec, k.x, inv, kOutOfPlace, false);
-        const std::vector<Omn64fc> b = run(r.col, spec, k.x, inv, kInPlace, false);
         const std::vector<Omn64fc> d = run(r.col, spec, k.x, inv, kOffsetDst, true);
         const double e = rmsRelative(a.data(), k.spectrum, inv ? ldexpl(1, -r.order) : 1);
         EXPECT_LT(e, errorBound(r.order)) << r.name << " order " << r.order << (inv ? " inverse" : " forward");
-        EXPECT_TRUE(sameBits(a, b)) << r.name << ": in place differs from out of place";
         EXPECT_TRUE(sameBits(a, d)) << r.name << ": the offset dst differs";
+        if (!large) {
+            const std::vector<Omn64fc> b = run(r.col, spec, k.x, inv, kInPlace, false);
+            EXPECT_TRUE(sameBits(a, b)) << r.name << ": in place differs from out of place";
+        }
     }
 }
 
