@@ -136,6 +136,9 @@ double* makeButterfly(int k, const double* sine, int sineOrder)
                 o[3] = b.im;
                 o += 4;
             }
+    /* The sections leave the end of the block unused; it is cleared so
+       that every byte of a table is defined. */
+    memset(o, 0, static_cast<size_t>(reinterpret_cast<char*>(t + 2 * n) - reinterpret_cast<char*>(o)));
     return t;
 }
 
@@ -206,10 +209,11 @@ OmnStatus makeCrossPairSplit(OmnFftSpecRecord* spec, int l, int k, int r, int ti
 {
     const int c = k - r;
     const int64_t n = int64_t(1) << k, cols = int64_t(1) << c, span = int64_t(1) << (tile - r);
-    double* o = allocTable<double>(16 * n);
-    if (o == nullptr)
+    double* const table = allocTable<double>(16 * n);
+    if (table == nullptr)
         return omnStatusNoMemory;
-    spec->levelCross[l] = o;
+    spec->levelCross[l] = table;
+    double* o = table;
     for (int64_t a = 0; a < cols; a += span) {
         for (int v = c + 2; v <= k; v += 2)
             for (int64_t b = 0; b < (int64_t(1) << (v - 2 - c)); ++b)
@@ -236,6 +240,7 @@ OmnStatus makeCrossPairSplit(OmnFftSpecRecord* spec, int l, int k, int r, int ti
                     o += 4;
                 }
     }
+    memset(o, 0, static_cast<size_t>(reinterpret_cast<char*>(table + 2 * n) - reinterpret_cast<char*>(o)));
     raiseBufSize(spec, int64_t(16) << tile);
     return omnStatusOk;
 }

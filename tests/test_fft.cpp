@@ -462,6 +462,30 @@ TEST_P(FftTest, TablesAtTheirEdges)
     }
 }
 
+// A real spec of order m builds its core of order m - 1 over the sine table
+// of order m read at step 2: the same values as a complex spec of order
+// m - 1 makes from its own table, bit for bit.
+TEST_P(FftTest, RealCoreTablesMatchTheComplexOnes)
+{
+    const int c = col();
+    const bool pairSplit = c >= 2;
+    for (int k : { 5, 15 }) {
+        CplxSpec cs(c, k, 8);
+        OmnRealFftSpec* rs = nullptr;
+        ASSERT_EQ(tf::omnsRealFftCreate_64f[c](&rs, k + 1, 8, 0), 0);
+        const int64_t n = int64_t(1) << k;
+        const size_t revBytes = 4 * (n / 4 + 1);
+        EXPECT_EQ(memcmp(cs.p->bitRev, rs->bitRev, revBytes), 0) << "bit reversal, core order " << k;
+        if (k == 5) {
+            const size_t bytes = pairSplit ? 16 * n : 48 * (n / 4 + 1);
+            EXPECT_EQ(memcmp(cs.p->leafTwiddle, rs->leafTwiddle, bytes), 0) << "butterfly table, core order 5";
+        } else {
+            EXPECT_EQ(memcmp(cs.p->levelCross[0], rs->levelCross[0], 16 * n), 0) << "cross table, core order 15";
+        }
+        EXPECT_EQ(tf::omnsRealFftFree_64f[c](rs), 0);
+    }
+}
+
 // Every order up to 12, both directions, every flag and placement, against
 // the long-double DFT.  The worst rms relative error per order goes to the
 // test's output.
