@@ -115,7 +115,7 @@ OmnStatus getBufSize(const OmnFftSpecRecord* spec, Omn32u id, int* pSize)
     return omnStatusOk;
 }
 
-OmnStatus free(OmnFftSpecRecord* spec, Omn32u id)
+OmnStatus freeSpec(OmnFftSpecRecord* spec, Omn32u id)
 {
     if (spec == nullptr)
         return omnStatusNullPointer;
@@ -194,7 +194,7 @@ OmnStatus omnsCplxFftInv_64fc(const Omn64fc* pSrc, Omn64fc* pDst, const OmnCplxF
 
 /* Either kind's Free refuses the other kind's object with -17 and frees
    nothing. */
-OmnStatus omnsCplxFftFree_64fc(OmnCplxFftSpec* pSpec) { return free(pSpec, kOmnCplxFftSpecId); }
-OmnStatus omnsRealFftFree_64f(OmnRealFftSpec* pSpec) { return free(pSpec, kOmnRealFftSpecId); }
+OmnStatus omnsCplxFftFree_64fc(OmnCplxFftSpec* pSpec) { return freeSpec(pSpec, kOmnCplxFftSpecId); }
+OmnStatus omnsRealFftFree_64f(OmnRealFftSpec* pSpec) { return freeSpec(pSpec, kOmnRealFftSpecId); }
 
 OMN_COLUMN_END
