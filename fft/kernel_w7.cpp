@@ -1,0 +1,448 @@
+/*
+ * kernel_w7.cpp - the w7/t7 complex transform in pair-split form: two
+ * neighbouring complex values k, k+1 are held as re(k) re(k+1) im(k)
+ * im(k+1), so that one two-double register takes both real parts and one
+ * both imaginary parts, and a complex product is four multiplications and
+ * two additions with no shuffle.  The last pass turns the data back into
+ * interleaved form on the way to dst.
+ *
+ *   fused kernel    up to the column's direct limit, straight from src to
+ *                   dst: the first pass gathers through the bit-reversal
+ *                   table, so no separate permutation runs.
+ *   leaf kernel     the same over rows that are already permuted, leaving
+ *                   pair-split form for the level above.
+ *   blocked driver  rows by the leaf kernel, then tiles of adjacent columns
+ *                   copied to the work buffer, which run all the level's
+ *                   outer passes with the cross table read in order.
+ *
+ * Loads and stores are unaligned: on the processors of these columns they
+ * cost the same on aligned data, and they let the kernels run in dst
+ * whatever its alignment.
+ */
+#include "core/column.h"
+
+#include <string.h>
+
+#include "fft/engine.h"
+
+OMN_COLUMN_BEGIN
+namespace fft {
+
+#if OMN_COLUMN_INDEX >= 2
+
+namespace {
+
+/* ---- two doubles -------------------------------------------------------- */
+#if OMN_SIMD >= 2
+typedef __m128d V;
+inline V ld(const double* p) { return _mm_loadu_pd(p); }
+inline void st(double* p, V v) { _mm_storeu_pd(p, v); }
+inline V add(V a, V b) { return _mm_add_pd(a, b); }
+inline V sub(V a, V b) { return _mm_sub_pd(a, b); }
+inline V mul(V a, V b) { return _mm_mul_pd(a, b); }
+inline V set1(double x) { return _mm_set1_pd(x); }
+inline V unpackLo(V a, V b) { return _mm_unpacklo_pd(a, b); }
+inline V unpackHi(V a, V b) { return _mm_unpackhi_pd(a, b); }
+inline V swapHalves(V a) { return _mm_shuffle_pd(a, a, 1); }
+/* (x0, -x1) and (-x0, x1) by the sign bit. */
+inline V negHi(V a) { return _mm_xor_pd(a, _mm_set_pd(-0.0, 0.0)); }
+inline V negLo(V a) { return _mm_xor_pd(a, _mm_set_pd(0.0, -0.0)); }
+#else
+struct V {
+    double x0, x1;
+};
+inline V ld(const double* p) { return V{ p[0], p[1] }; }
+inline void st(double* p, V v) { p[0] = v.x0; p[1] = v.x1; }
+inline V add(V a, V b) { return V{ a.x0 + b.x0, a.x1 + b.x1 }; }
+inline V sub(V a, V b) { return V{ a.x0 - b.x0, a.x1 - b.x1 }; }
+inline V mul(V a, V b) { return V{ a.x0 * b.x0, a.x1 * b.x1 }; }
+inline V set1(double x) { return V{ x, x }; }
+inline V unpackLo(V a, V b) { return V{ a.x0, b.x0 }; }
+inline V unpackHi(V a, V b) { return V{ a.x1, b.x1 }; }
+inline V swapHalves(V a) { return V{ a.x1, a.x0 }; }
+inline V negHi(V a) { return V{ a.x0, -a.x1 }; }
+inline V negLo(V a) { return V{ -a.x0, a.x1 }; }
+#endif
+
+/* ---- interleaved complex in one V (first pass) -------------------------- */
+
+/* -i z forward, +i z inverse. */
+template <bool Inv>
+inline V rotI(V z) { return Inv ? negLo(swapHalves(z)) : negHi(swapHalves(z)); }
+
+/* Four-point DFT of natural-order inputs. */
+template <bool Inv>
+inline void dft4(V x0, V x1, V x2, V x3, V& y0, V& y1, V& y2, V& y3)
+{
+    const V a = add(x0, x2), b = sub(x0, x2), c = add(x1, x3), d = rotI<Inv>(sub(x1, x3));
+    y0 = add(a, c);
+    y2 = sub(a, c);
+    y1 = add(b, d);
+    y3 = sub(b, d);
+}
+
+/* z times W(8)^1 and W(8)^3 (conjugates inverse), with h = (c, c). */
+template <bool Inv>
+inline V mulW8(V z, V h)
+{
+    const V s = swapHalves(z);   /* (im, re) */
+    /* forward: ((re + im) c, (im - re) c); inverse: ((re - im) c, (im + re) c) */
+    return Inv ? mul(add(z, negLo(s)), h) : mul(add(z, negHi(s)), h);
+}
+template <bool Inv>
+inline V mulW83(V z, V h)
+{
+    /* W(8)^3 = -i W(8) forward, +i conj(W(8)) inverse */
+    return rotI<Inv>(mulW8<Inv>(z, h));
+}
+
+/* ---- the first pass ----------------------------------------------------- */
+
+/* Writes four interleaved results y0..y3 to positions 0..3 of w in
+   pair-split form. */
+inline void storeSplit4(double* w, V y0, V y1, V y2, V y3)
+{
+    st(w, unpackLo(y0, y1));
+    st(w + 2, unpackHi(y0, y1));
+    st(w + 4, unpackLo(y2, y3));
+    st(w + 6, unpackHi(y2, y3));
+}
+
+/* First pass: the DFT of 4 (even k) or 8 (odd k) natural-order inputs per
+   group, input j of group i at in(i, j); results to w in pair-split form.
+   The group's inputs are all loaded before its stores, so in may read the
+   positions it writes. */
+template <bool Inv, typename In>
+void firstPass(double* w, int k, In in)
+{
+    const int64_t n = int64_t(1) << k;
+    if ((k & 1) == 0) {
+        for (int64_t i = 0; i < n / 4; ++i) {
+            V y0, y1, y2, y3;
+            dft4<Inv>(ld(in(i, 0)), ld(in(i, 1)), ld(in(i, 2)), ld(in(i, 3)), y0, y1, y2, y3);
+            storeSplit4(w + 8 * i, y0, y1, y2, y3);
+        }
+        return;
+    }
+    const V h = set1(0.7071067811865476);
+    for (int64_t i = 0; i < n / 8; ++i) {
+        V e0, e1, e2, e3, o0, o1, o2, o3;
+        const V x0 = ld(in(i, 0)), x1 = ld(in(i, 1)), x2 = ld(in(i, 2)), x3 = ld(in(i, 3));
+        const V x4 = ld(in(i, 4)), x5 = ld(in(i, 5)), x6 = ld(in(i, 6)), x7 = ld(in(i, 7));
+        dft4<Inv>(x0, x2, x4, x6, e0, e1, e2, e3);
+        dft4<Inv>(x1, x3, x5, x7, o0, o1, o2, o3);
+        o1 = mulW8<Inv>(o1, h);
+        o2 = rotI<Inv>(o2);
+        o3 = mulW83<Inv>(o3, h);
+        storeSplit4(w + 16 * i, add(e0, o0), add(e1, o1), add(e2, o2), add(e3, o3));
+        storeSplit4(w + 16 * i + 8, sub(e0, o0), sub(e1, o1), sub(e2, o2), sub(e3, o3));
+    }
+}
+
+/* ---- radix-4 passes in pair-split form ---------------------------------- */
+
+struct Split {
+    V re, im;
+};
+
+inline Split load(const double* p) { return Split{ ld(p), ld(p + 2) }; }
+inline void store(double* p, Split a)
+{
+    st(p, a.re);
+    st(p + 2, a.im);
+}
+/* Interleaved store of the pair: dst gets (re k, im k), (re k+1, im k+1). */
+inline void storeInterleaved(double* p, Split a)
+{
+    st(p, unpackLo(a.re, a.im));
+    st(p + 2, unpackHi(a.re, a.im));
+}
+
+template <bool Inv>
+inline Split cmul(Split a, V wr, V wi)
+{
+    if (Inv)
+        return Split{ add(mul(a.re, wr), mul(a.im, wi)), sub(mul(a.im, wr), mul(a.re, wi)) };
+    return Split{ sub(mul(a.re, wr), mul(a.im, wi)), add(mul(a.re, wi), mul(a.im, wr)) };
+}
+
+/* One radix-4 butterfly on a pair: a1 takes the second table power, a2 the
+   first, a3 the third (the quarters stand in bit-reversed order). */
+template <bool Inv>
+inline void butterfly(Split& a0, Split& a1, Split& a2, Split& a3, const double* t)
+{
+    const Split u1 = cmul<Inv>(a1, ld(t + 4), ld(t + 6));
+    const Split u2 = cmul<Inv>(a2, ld(t), ld(t + 2));
+    const Split u3 = cmul<Inv>(a3, ld(t + 8), ld(t + 10));
+    const Split s0{ add(a0.re, u1.re), add(a0.im, u1.im) }, d0{ sub(a0.re, u1.re), sub(a0.im, u1.im) };
+    const Split s1{ add(u2.re, u3.re), add(u2.im, u3.im) }, d1{ sub(u2.re, u3.re), sub(u2.im, u3.im) };
+    a0 = Split{ add(s0.re, s1.re), add(s0.im, s1.im) };
+    a2 = Split{ sub(s0.re, s1.re), sub(s0.im, s1.im) };
+    if (!Inv) {
+        a1 = Split{ add(d0.re, d1.im), sub(d0.im, d1.re) };
+        a3 = Split{ sub(d0.re, d1.im), add(d0.im, d1.re) };
+    } else {
+        a1 = Split{ sub(d0.re, d1.im), add(d0.im, d1.re) };
+        a3 = Split{ add(d0.re, d1.im), sub(d0.im, d1.re) };
+    }
+}
+
+/* A radix-4 pass of length 2^s over n points in w, with the table section
+   of order s.  The last pass (2^s = n) may store interleaved to out. */
+template <bool Inv, bool Interleave>
+void pass(double* w, int64_t n, int s, const double* sec, double* out)
+{
+    const int64_t len = int64_t(1) << s, q = len / 4;
+    for (int64_t g = 0; g < n; g += len) {
+        const double* t = sec;
+        double* p = w + 2 * g;
+        double* o = out + 2 * g;
+        for (int64_t j = 0; j < q; j += 2, t += 12) {
+            Split a0 = load(p + 2 * j), a1 = load(p + 2 * (j + q)), a2 = load(p + 2 * (j + 2 * q)),
+                  a3 = load(p + 2 * (j + 3 * q));
+            butterfly<Inv>(a0, a1, a2, a3, t);
+            if (Interleave) {
+                storeInterleaved(o + 2 * j, a0);
+                storeInterleaved(o + 2 * (j + q), a1);
+                storeInterleaved(o + 2 * (j + 2 * q), a2);
+                storeInterleaved(o + 2 * (j + 3 * q), a3);
+            } else {
+                store(o + 2 * j, a0);
+                store(o + 2 * (j + q), a1);
+                store(o + 2 * (j + 2 * q), a2);
+                store(o + 2 * (j + 3 * q), a3);
+            }
+        }
+    }
+}
+
+/* The passes after the first: the sections in order, the last one writing
+   out (interleaved or pair-split). */
+template <bool Inv>
+void passes(double* w, int k, const double* tw, double* out, bool interleave)
+{
+    const int64_t n = int64_t(1) << k;
+    int s = 4 + (k & 1);
+    for (; s < k; s += 2) {
+        pass<Inv, false>(w, n, s, tw, w);
+        tw += 3 * (int64_t(1) << s) / 2;   /* 2^s / 4 entries of six doubles */
+    }
+    if (interleave)
+        pass<Inv, true>(w, n, k, tw, out);
+    else
+        pass<Inv, false>(w, n, k, tw, out);
+}
+
+/* Fused kernel: src (natural order) to dst, order 4 up to the direct limit.
+   The work area is dst when the arrays differ, else the buffer. */
+template <bool Inv>
+void fused(const Omn64fc* src, Omn64fc* dst, int k, const OmnFftSpecRecord* spec, double* work)
+{
+    const int64_t n = int64_t(1) << k;
+    const Omn32s* rev = static_cast<const Omn32s*>(spec->bitRev);
+    const double* s = reinterpret_cast<const double*>(src);
+    double* w = src != dst ? reinterpret_cast<double*>(dst) : work;
+    if ((k & 1) == 0) {
+        const int64_t quarter = n / 4;
+        firstPass<Inv>(w, k, [&](int64_t i, int j) { return s + 2 * (rev[i] / 2 + j * quarter); });
+    } else {
+        /* rev of i on k - 3 bits is the table's entry 2i. */
+        const int64_t eighth = n / 8;
+        firstPass<Inv>(w, k, [&](int64_t i, int j) { return s + 2 * (rev[2 * i] / 2 + j * eighth); });
+    }
+    passes<Inv>(w, k, static_cast<const double*>(spec->leafTwiddle), reinterpret_cast<double*>(dst), true);
+}
+
+/* Leaf kernel over an already permuted row of order k, in place; the
+   result stays in pair-split form. */
+template <bool Inv>
+void leaf(double* d, int k, const double* tw)
+{
+    static const int rev2[4] = { 0, 2, 1, 3 };
+    static const int rev3[8] = { 0, 4, 2, 6, 1, 5, 3, 7 };
+    if ((k & 1) == 0)
+        firstPass<Inv>(d, k, [&](int64_t i, int j) { return d + 2 * (4 * i + rev2[j]); });
+    else
+        firstPass<Inv>(d, k, [&](int64_t i, int j) { return d + 2 * (8 * i + rev3[j]); });
+    passes<Inv>(d, k, tw, d, false);
+}
+
+/* Leaf kernel that gathers its row straight from the natural-order source
+   instead of from permuted data: row p of a level of outer order r is the
+   transform of x[s + R m], s the bit reversal of p on r bits.  The core's
+   own bit-reversal table serves the row's order c, since
+   rev_(k-2)(i 2^r) = rev_(c-2)(i).  This spares the separate permutation
+   of the whole array when src and dst differ. */
+template <bool Inv>
+void leafGather(const double* src, int64_t stride, double* out, int c, const double* tw, const Omn32s* rev, int shift)
+{
+    const int64_t cn = int64_t(1) << c;
+    if ((c & 1) == 0) {
+        const int64_t quarter = cn / 4;
+        firstPass<Inv>(out, c, [&](int64_t i, int j) { return src + 2 * stride * (rev[i << shift] / 2 + j * quarter); });
+    } else {
+        const int64_t eighth = cn / 8;
+        firstPass<Inv>(out, c,
+                       [&](int64_t i, int j) { return src + 2 * stride * (rev[(2 * i) << shift] / 2 + j * eighth); });
+    }
+    passes<Inv>(out, c, tw, out, false);
+}
+
+inline int64_t reverseBits(int64_t v, int bits)
+{
+    int64_t r = 0;
+    for (int b = 0; b < bits; ++b, v >>= 1)
+        r = (r << 1) | (v & 1);
+    return r;
+}
+
+/* Bit reversal with the w7/t7 table: element 4i + m comes from
+   rev(i) + rev2(m) N/4. */
+void permute(const Omn64fc* src, Omn64fc* dst, int k, const Omn32s* rev)
+{
+    const int64_t n = int64_t(1) << k, q = n / 4;
+    const int64_t off[4] = { 0, 2 * q, q, 3 * q };
+    if (src != dst) {
+        for (int64_t i = 0; i < q; ++i) {
+            const Omn64fc* s = src + rev[i] / 2;
+            Omn64fc* d = dst + 4 * i;
+            d[0] = s[off[0]];
+            d[1] = s[off[1]];
+            d[2] = s[off[2]];
+            d[3] = s[off[3]];
+        }
+        return;
+    }
+    for (int64_t i = 0; i < q; ++i)
+        for (int m = 0; m < 4; ++m) {
+            const int64_t a = 4 * i + m, b = rev[i] / 2 + off[m];
+            if (a < b) {
+                const Omn64fc t = dst[a];
+                dst[a] = dst[b];
+                dst[b] = t;
+            }
+        }
+}
+
+/* One level of blocking over permuted data of order k (interleaved in):
+   rows by the leaf kernel (scaled there) or a deeper level, then tiles of
+   T adjacent columns through the buffer.  Level 0 leaves interleaved data,
+   deeper levels pair-split data for the level above. */
+template <bool Inv>
+void blocked(double* d, int k, int l, const OmnFftSpecRecord* spec, bool scaled, double* buf,
+             const Omn64fc* gather = nullptr)
+{
+    /* The split tables reach order 30 in three levels. */
+    if (l >= kOmnFftMaxLevels)
+        __builtin_unreachable();
+    const int r = kSplit[k];
+    const int c = k - r;
+    const int64_t rows = int64_t(1) << r, cols = int64_t(1) << c, span = int64_t(1) << (kTile[k] - r);
+    if (gather != nullptr) {
+        /* Rows in the order of their source offset s, so that neighbouring
+           rows share the source's cache lines. */
+        const double* tw = static_cast<const double*>(spec->leafTwiddle);
+        const Omn32s* rev = static_cast<const Omn32s*>(spec->bitRev);
+        for (int64_t s = 0; s < rows; ++s) {
+            double* row = d + 2 * reverseBits(s, r) * cols;
+            leafGather<Inv>(reinterpret_cast<const double*>(gather + s), rows, row, c, tw, rev, r);
+            if (scaled)
+                scaleDoubles(row, 2 * cols, spec->scale);
+        }
+    }
+    for (int64_t p = 0; p < rows && gather == nullptr; ++p) {
+        double* row = d + 2 * p * cols;
+        if (c <= kDirectLimit) {
+            leaf<Inv>(row, c, static_cast<const double*>(spec->leafTwiddle));
+            if (scaled)
+                scaleDoubles(row, 2 * cols, spec->scale);
+        } else {
+            blocked<Inv>(row, c, l + 1, spec, scaled, buf);
+        }
+    }
+    const double* t = static_cast<const double*>(spec->levelCross[l]);
+    const int64_t rowDoubles = 2 * span;
+    for (int64_t a = 0; a < cols; a += span) {
+        for (int64_t p = 0; p < rows; ++p)
+            memcpy(buf + p * rowDoubles, d + 2 * (p * cols + a), sizeof(double) * rowDoubles);
+        for (int v = c + 2; v <= k; v += 2) {
+            const int64_t q = int64_t(1) << (v - 2 - c);   /* rows per quarter */
+            for (int64_t b = 0; b < q; ++b)
+                for (int64_t u = 0; u < span; u += 2, t += 12)
+                    for (int64_t g = 0; g < rows; g += 4 * q) {
+                        double* p0 = buf + (g + b) * rowDoubles + 2 * u;
+                        double* p1 = p0 + q * rowDoubles;
+                        double* p2 = p1 + q * rowDoubles;
+                        double* p3 = p2 + q * rowDoubles;
+                        Split a0 = load(p0), a1 = load(p1), a2 = load(p2), a3 = load(p3);
+                        butterfly<Inv>(a0, a1, a2, a3, t);
+                        store(p0, a0);
+                        store(p1, a1);
+                        store(p2, a2);
+                        store(p3, a3);
+                    }
+        }
+        if (r & 1) {
+            const int64_t half = rows / 2;
+            for (int64_t b = 0; b < half; ++b)
+                for (int64_t u = 0; u < span; u += 2, t += 4) {
+                    double* p0 = buf + b * rowDoubles + 2 * u;
+                    double* p1 = p0 + half * rowDoubles;
+                    const Split a0 = load(p0);
+                    const Split u1 = cmul<Inv>(load(p1), ld(t), ld(t + 2));
+                    store(p0, Split{ add(a0.re, u1.re), add(a0.im, u1.im) });
+                    store(p1, Split{ sub(a0.re, u1.re), sub(a0.im, u1.im) });
+                }
+        }
+        if (l == 0) {
+            for (int64_t p = 0; p < rows; ++p) {
+                const double* s = buf + p * rowDoubles;
+                double* o = d + 2 * (p * cols + a);
+                for (int64_t u = 0; u < span; u += 2)
+                    storeInterleaved(o + 2 * u, load(s + 2 * u));
+            }
+        } else {
+            for (int64_t p = 0; p < rows; ++p)
+                memcpy(d + 2 * (p * cols + a), buf + p * rowDoubles, sizeof(double) * rowDoubles);
+        }
+    }
+}
+
+template <bool Inv>
+void run(const Omn64fc* src, Omn64fc* dst, const OmnFftSpecRecord* spec, int k, bool scaled, double* work)
+{
+    if (k <= kDirectLimit) {
+        fused<Inv>(src, dst, k, spec, work);
+        if (scaled)
+            scaleDoubles(reinterpret_cast<double*>(dst), size_t(2) << k, spec->scale);
+        return;
+    }
+    if (src != dst && k - kSplit[k] <= kDirectLimit) {
+        blocked<Inv>(reinterpret_cast<double*>(dst), k, 0, spec, scaled, work, src);
+        return;
+    }
+    permute(src, dst, k, static_cast<const Omn32s*>(spec->bitRev));
+    blocked<Inv>(reinterpret_cast<double*>(dst), k, 0, spec, scaled, work);
+}
+
+} // namespace
+
+void transform(const Omn64fc* src, Omn64fc* dst, const OmnFftSpecRecord* spec, int k, bool inv, bool scaled,
+               double* work)
+{
+    /* A core below order 4 (a real spec of order 4 and less) is one of the
+       straight-line routines. */
+    if (k < 4) {
+        kSmall[inv][scaled][k](src, dst, spec->scale);
+        return;
+    }
+    if (inv)
+        run<true>(src, dst, spec, k, scaled, work);
+    else
+        run<false>(src, dst, spec, k, scaled, work);
+}
+
+#endif
+
+} // namespace fft
+OMN_COLUMN_END
