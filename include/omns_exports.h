@@ -61,11 +61,80 @@ OMN_EXPORT(OmnStatus, omnsVectorJaehne_64f, (Omn64f* pDst, int len, Omn64f magn)
 OMN_EXPORT(OmnStatus, omnsVectorRamp_32s,   (Omn32s* pDst, int len, Omn32f offset, Omn32f slope))
 OMN_EXPORT(OmnStatus, omnsVectorRamp_64f,   (Omn64f* pDst, int len, Omn32f offset, Omn32f slope))
 
+/* Complex parts: conjugates, real and imaginary parts, splitting and joining */
+OMN_EXPORT(OmnStatus, omnsReal_64fc,       (const Omn64fc* pSrc, Omn64f* pDstRe, int len))
+OMN_EXPORT(OmnStatus, omnsImag_64fc,       (const Omn64fc* pSrc, Omn64f* pDstIm, int len))
+OMN_EXPORT(OmnStatus, omnsCplxToReal_64fc, (const Omn64fc* pSrc, Omn64f* pDstRe, Omn64f* pDstIm, int len))
+OMN_EXPORT(OmnStatus, omnsRealToCplx_64f,  (const Omn64f* pSrcRe, const Omn64f* pSrcIm, Omn64fc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsConj_64fc_I,     (Omn64fc* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsConj_64fc,       (const Omn64fc* pSrc, Omn64fc* pDst, int len))
+
+/* Cartesian and polar forms */
+OMN_EXPORT(OmnStatus, omnsCartToPolar_64fc, (const Omn64fc* pSrc, Omn64f* pDstMagn, Omn64f* pDstPhase, int len))
+OMN_EXPORT(OmnStatus, omnsCartToPolar_64f,  (const Omn64f* pSrcRe, const Omn64f* pSrcIm, Omn64f* pDstMagn, Omn64f* pDstPhase, int len))
+OMN_EXPORT(OmnStatus, omnsPolarToCart_64fc, (const Omn64f* pSrcMagn, const Omn64f* pSrcPhase, Omn64fc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsPolarToCart_64f,  (const Omn64f* pSrcMagn, const Omn64f* pSrcPhase, Omn64f* pDstRe, Omn64f* pDstIm, int len))
+
 /* Reversal and byte order */
 OMN_EXPORT(OmnStatus, omnsFlip_64f,        (const Omn64f* pSrc, Omn64f* pDst, int len))
 OMN_EXPORT(OmnStatus, omnsFlip_64f_I,      (Omn64f* pSrcDst, int len))
 OMN_EXPORT(OmnStatus, omnsSwapBytes_24u_I, (Omn8u* pSrcDst, int len))
 OMN_EXPORT(OmnStatus, omnsSwapBytes_24u,   (const Omn8u* pSrc, Omn8u* pDst, int len))
+
+/* Scaled integer arithmetic: exact 64-bit accumulator, then the scale
+   factor.  Two-source forms take the second source as minuend and dividend. */
+OMN_EXPORT(OmnStatus, omnsAddC_32s_ISfs,     (Omn32s val, Omn32s* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsAddC_32sc_ISfs,    (Omn32sc val, Omn32sc* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSubC_32s_ISfs,     (Omn32s val, Omn32s* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSubC_32sc_ISfs,    (Omn32sc val, Omn32sc* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSubCRev_32s_ISfs,  (Omn32s val, Omn32s* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSubCRev_32sc_ISfs, (Omn32sc val, Omn32sc* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsMulC_32s_ISfs,     (Omn32s val, Omn32s* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsMulC_32sc_ISfs,    (Omn32sc val, Omn32sc* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsAddC_32s_Sfs,      (const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsAddC_32sc_Sfs,     (const Omn32sc* pSrc, Omn32sc val, Omn32sc* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSubC_32s_Sfs,      (const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSubC_32sc_Sfs,     (const Omn32sc* pSrc, Omn32sc val, Omn32sc* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSubCRev_32s_Sfs,   (const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSubCRev_32sc_Sfs,  (const Omn32sc* pSrc, Omn32sc val, Omn32sc* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsMulC_32s_Sfs,      (const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsMulC_32sc_Sfs,     (const Omn32sc* pSrc, Omn32sc val, Omn32sc* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsAdd_32s_ISfs,      (const Omn32s* pSrc, Omn32s* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsAdd_32sc_ISfs,     (const Omn32sc* pSrc, Omn32sc* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSub_32s_ISfs,      (const Omn32s* pSrc, Omn32s* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSub_32sc_ISfs,     (const Omn32sc* pSrc, Omn32sc* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsMul_32s_ISfs,      (const Omn32s* pSrc, Omn32s* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsMul_32sc_ISfs,     (const Omn32sc* pSrc, Omn32sc* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsAdd_32s_Sfs,       (const Omn32s* pSrc1, const Omn32s* pSrc2, Omn32s* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsAdd_32sc_Sfs,      (const Omn32sc* pSrc1, const Omn32sc* pSrc2, Omn32sc* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSub_32s_Sfs,       (const Omn32s* pSrc1, const Omn32s* pSrc2, Omn32s* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSub_32sc_Sfs,      (const Omn32sc* pSrc1, const Omn32sc* pSrc2, Omn32sc* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsMul_32s_Sfs,       (const Omn32s* pSrc1, const Omn32s* pSrc2, Omn32s* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsMul_32sc_Sfs,      (const Omn32sc* pSrc1, const Omn32sc* pSrc2, Omn32sc* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsMul_32s32sc_ISfs,  (const Omn32s* pSrc, Omn32sc* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsMul_32s32sc_Sfs,   (const Omn32s* pSrc1, const Omn32sc* pSrc2, Omn32sc* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsAddProduct_32s_Sfs,(const Omn32s* pSrc1, const Omn32s* pSrc2, Omn32s* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsDiv_32s_Sfs,       (const Omn32s* pSrc1, const Omn32s* pSrc2, Omn32s* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsDiv_32s_ISfs,      (const Omn32s* pSrc, Omn32s* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsAbs_32s_I,         (Omn32s* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsAbs_32s,           (const Omn32s* pSrc, Omn32s* pDst, int len))
+
+/* Magnitude and squared magnitude */
+OMN_EXPORT(OmnStatus, omnsMagnitude_64fc,         (const Omn64fc* pSrc, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsMagnitude_64f,          (const Omn64f* pSrcRe, const Omn64f* pSrcIm, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsMagnitude_32sc_Sfs,     (const Omn32sc* pSrc, Omn32s* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsMagSquared_32sc32s_Sfs, (const Omn32sc* pSrc, Omn32s* pDst, int len, int scaleFactor))
+
+/* Phase */
+OMN_EXPORT(OmnStatus, omnsPhase_64fc,     (const Omn64fc* pSrc, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsPhase_64f,      (const Omn64f* pSrcRe, const Omn64f* pSrcIm, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsPhase_32sc_Sfs, (const Omn32sc* pSrc, Omn32s* pDst, int len, int scaleFactor))
+
+/* Integer shifts */
+OMN_EXPORT(OmnStatus, omnsLShiftC_32s_I, (Omn32s val, Omn32s* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsLShiftC_32s,   (const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsRShiftC_32s_I, (Omn32s val, Omn32s* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsRShiftC_32s,   (const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len))
 
 /* Version record of the accuracy-class group */
 OMN_EXPORT(const OmnLibVersion*, omnvmGetLibVersion, (void))
