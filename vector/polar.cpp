@@ -153,11 +153,15 @@ inline void sinCosScalar(double p, double& s, double& c)
         c = cos(p);
         return;
     }
-    const double fk = nearbyint(p * kTwoOverPi);
-    const int k = static_cast<int>(fk);
+    /* k as an integer first, so that a zero k is +0 and a phase of -0
+       keeps its sign through the reduction. */
+    const int k = static_cast<int>(nearbyint(p * kTwoOverPi));
+    const double fk = k;
     const double r = ((p - fk * kPio2Hi) - fk * kPio2Mid) - fk * kPio2Lo;
     const double z = r * r;
-    const double ps = r + r * z * (kS1 + z * (kS2 + z * (kS3 + z * (kS4 + z * (kS5 + z * kS6)))));
+    /* The odd part has the sign of r; stating it keeps -0 from becoming
+       +0 in the sum. */
+    const double ps = copysign(r + r * z * (kS1 + z * (kS2 + z * (kS3 + z * (kS4 + z * (kS5 + z * kS6))))), r);
     const double hz = 0.5 * z, w = 1.0 - hz;
     const double pc = w + (((1.0 - w) - hz) + z * z * (kC1 + z * (kC2 + z * (kC3 + z * (kC4 + z * (kC5 + z * kC6))))));
     const double sq = (k & 1) ? pc : ps, cq = (k & 1) ? ps : pc;
@@ -199,6 +203,7 @@ inline bool sinCosPacked(__m128d p, __m128d& s, __m128d& c)
     ps = _mm_add_pd(OMN_C(kS2), _mm_mul_pd(z, ps));
     ps = _mm_add_pd(OMN_C(kS1), _mm_mul_pd(z, ps));
     ps = _mm_add_pd(r, _mm_mul_pd(_mm_mul_pd(r, z), ps));
+    ps = _mm_or_pd(ps, _mm_andnot_pd(absMask, r));   /* the sign of r, for -0 */
     __m128d pc = _mm_add_pd(OMN_C(kC5), _mm_mul_pd(z, OMN_C(kC6)));
     pc = _mm_add_pd(OMN_C(kC4), _mm_mul_pd(z, pc));
     pc = _mm_add_pd(OMN_C(kC3), _mm_mul_pd(z, pc));
