@@ -225,7 +225,7 @@ void additive(const X& x, const Y& y, Omn32s* d, size_t n, int sf)
         case Branch::Round: {
             const uint32_t b = (uint32_t(1) << (sf - 1)) - 1;   /* below 2^31 for sf <= 32 */
             packedRun<kSub>(x, y, d, n, PackedRound<kSub, false>{ _mm_cvtsi32_si128(sf), _mm_set_epi32(0, b, 0, b) },
-                            scale::RoundBy{ static_cast<unsigned>(sf) });
+                            scale::RoundNarrow{ static_cast<unsigned>(sf), b });
             return;
         }
         case Branch::Sign:

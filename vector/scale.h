@@ -42,12 +42,14 @@ struct Limits {
     int lastShift;     /* the most negative factor that still shifts */
     int lastRound;     /* the largest factor that still rounds */
     bool clampFirst;   /* products clamp to 32 bits before the left shift */
+    bool narrow;       /* a sum of two 32-bit values: from sf 2 up the
+                          rounded value fits 32 bits as it stands */
 };
 
-constexpr Limits kAdditive   = { -30, 32, false };
-constexpr Limits kAddProduct = { -30, 62, true };
-constexpr Limits kProduct    = { -31, 62, true };
-constexpr Limits kCplxProduct = { -31, 63, true };
+constexpr Limits kAdditive    = { -30, 32, false, true };
+constexpr Limits kAddProduct  = { -30, 62, true, false };
+constexpr Limits kProduct     = { -31, 62, true, false };
+constexpr Limits kCplxProduct = { -31, 63, true, false };
 
 enum class Branch { None, ShiftLeft, Sign, RoundOne, Round, ZeroFill };
 
@@ -114,6 +116,14 @@ struct RoundBy {
     Omn32s operator()(int64_t s) const { return sat32(roundShift(s, k)); }
 };
 
+/* The same for a sum of at most 33 bits and k from 2 to 32, in the plain
+   form: nothing overflows and the result needs no saturation. */
+struct RoundNarrow {
+    unsigned k;
+    int64_t bias;   /* 2^(k-1) - 1 */
+    Omn32s operator()(int64_t s) const { return static_cast<Omn32s>((s + bias + ((s >> k) & 1)) >> k); }
+};
+
 /* ---- the complex product's accumulators -------------------------------- */
 
 /* Real part: a.re*b.re - a.im*b.im always fits 64 bits. */
@@ -156,7 +166,12 @@ inline void scaleEach(Omn32s* dst, size_t n, int sf, const Acc& acc)
     case Branch::ShiftLeft: mapEach<kPer>(dst, n, acc, ShiftUp<kLim.clampFirst>{ static_cast<unsigned>(-sf) }); break;
     case Branch::Sign:      mapEach<kPer>(dst, n, acc, SignOnly{}); break;
     case Branch::RoundOne:  mapEach<kPer>(dst, n, acc, RoundOne{}); break;
-    case Branch::Round:     mapEach<kPer>(dst, n, acc, RoundBy{ static_cast<unsigned>(sf) }); break;
+    case Branch::Round:
+        if (kLim.narrow)
+            mapEach<kPer>(dst, n, acc, RoundNarrow{ static_cast<unsigned>(sf), (int64_t(1) << (sf - 1)) - 1 });
+        else
+            mapEach<kPer>(dst, n, acc, RoundBy{ static_cast<unsigned>(sf) });
+        break;
     case Branch::ZeroFill:  mem::zeroBytes(dst, n * kPer * sizeof(Omn32s)); break;
     }
 }
