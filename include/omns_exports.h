@@ -91,6 +91,7 @@ OMN_EXPORT(OmnStatus, omnsSubCRev_32s_ISfs,  (Omn32s val, Omn32s* pSrcDst, int l
 OMN_EXPORT(OmnStatus, omnsSubCRev_32sc_ISfs, (Omn32sc val, Omn32sc* pSrcDst, int len, int scaleFactor))
 OMN_EXPORT(OmnStatus, omnsMulC_32s_ISfs,     (Omn32s val, Omn32s* pSrcDst, int len, int scaleFactor))
 OMN_EXPORT(OmnStatus, omnsMulC_32sc_ISfs,    (Omn32sc val, Omn32sc* pSrcDst, int len, int scaleFactor))
+
 OMN_EXPORT(OmnStatus, omnsAddC_32s_Sfs,      (const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len, int scaleFactor))
 OMN_EXPORT(OmnStatus, omnsAddC_32sc_Sfs,     (const Omn32sc* pSrc, Omn32sc val, Omn32sc* pDst, int len, int scaleFactor))
 OMN_EXPORT(OmnStatus, omnsSubC_32s_Sfs,      (const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len, int scaleFactor))
@@ -99,23 +100,28 @@ OMN_EXPORT(OmnStatus, omnsSubCRev_32s_Sfs,   (const Omn32s* pSrc, Omn32s val, Om
 OMN_EXPORT(OmnStatus, omnsSubCRev_32sc_Sfs,  (const Omn32sc* pSrc, Omn32sc val, Omn32sc* pDst, int len, int scaleFactor))
 OMN_EXPORT(OmnStatus, omnsMulC_32s_Sfs,      (const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len, int scaleFactor))
 OMN_EXPORT(OmnStatus, omnsMulC_32sc_Sfs,     (const Omn32sc* pSrc, Omn32sc val, Omn32sc* pDst, int len, int scaleFactor))
+
 OMN_EXPORT(OmnStatus, omnsAdd_32s_ISfs,      (const Omn32s* pSrc, Omn32s* pSrcDst, int len, int scaleFactor))
 OMN_EXPORT(OmnStatus, omnsAdd_32sc_ISfs,     (const Omn32sc* pSrc, Omn32sc* pSrcDst, int len, int scaleFactor))
 OMN_EXPORT(OmnStatus, omnsSub_32s_ISfs,      (const Omn32s* pSrc, Omn32s* pSrcDst, int len, int scaleFactor))
 OMN_EXPORT(OmnStatus, omnsSub_32sc_ISfs,     (const Omn32sc* pSrc, Omn32sc* pSrcDst, int len, int scaleFactor))
 OMN_EXPORT(OmnStatus, omnsMul_32s_ISfs,      (const Omn32s* pSrc, Omn32s* pSrcDst, int len, int scaleFactor))
 OMN_EXPORT(OmnStatus, omnsMul_32sc_ISfs,     (const Omn32sc* pSrc, Omn32sc* pSrcDst, int len, int scaleFactor))
+
 OMN_EXPORT(OmnStatus, omnsAdd_32s_Sfs,       (const Omn32s* pSrc1, const Omn32s* pSrc2, Omn32s* pDst, int len, int scaleFactor))
 OMN_EXPORT(OmnStatus, omnsAdd_32sc_Sfs,      (const Omn32sc* pSrc1, const Omn32sc* pSrc2, Omn32sc* pDst, int len, int scaleFactor))
 OMN_EXPORT(OmnStatus, omnsSub_32s_Sfs,       (const Omn32s* pSrc1, const Omn32s* pSrc2, Omn32s* pDst, int len, int scaleFactor))
 OMN_EXPORT(OmnStatus, omnsSub_32sc_Sfs,      (const Omn32sc* pSrc1, const Omn32sc* pSrc2, Omn32sc* pDst, int len, int scaleFactor))
 OMN_EXPORT(OmnStatus, omnsMul_32s_Sfs,       (const Omn32s* pSrc1, const Omn32s* pSrc2, Omn32s* pDst, int len, int scaleFactor))
 OMN_EXPORT(OmnStatus, omnsMul_32sc_Sfs,      (const Omn32sc* pSrc1, const Omn32sc* pSrc2, Omn32sc* pDst, int len, int scaleFactor))
+
 OMN_EXPORT(OmnStatus, omnsMul_32s32sc_ISfs,  (const Omn32s* pSrc, Omn32sc* pSrcDst, int len, int scaleFactor))
 OMN_EXPORT(OmnStatus, omnsMul_32s32sc_Sfs,   (const Omn32s* pSrc1, const Omn32sc* pSrc2, Omn32sc* pDst, int len, int scaleFactor))
 OMN_EXPORT(OmnStatus, omnsAddProduct_32s_Sfs,(const Omn32s* pSrc1, const Omn32s* pSrc2, Omn32s* pSrcDst, int len, int scaleFactor))
+
 OMN_EXPORT(OmnStatus, omnsDiv_32s_Sfs,       (const Omn32s* pSrc1, const Omn32s* pSrc2, Omn32s* pDst, int len, int scaleFactor))
 OMN_EXPORT(OmnStatus, omnsDiv_32s_ISfs,      (const Omn32s* pSrc, Omn32s* pSrcDst, int len, int scaleFactor))
+
 OMN_EXPORT(OmnStatus, omnsAbs_32s_I,         (Omn32s* pSrcDst, int len))
 OMN_EXPORT(OmnStatus, omnsAbs_32s,           (const Omn32s* pSrc, Omn32s* pDst, int len))
 

@@ -34,9 +34,9 @@ constexpr bool kPackedAdditive = true;
 constexpr bool kPackedAdditive = false;   /* px, a6 and portable builds: scalar loops */
 #endif
 
-/* The product of Mul_32s goes through doubles in w7 and t7, on every target:
-   the column difference is part of the contract, not of the instruction
-   set. */
+/* The product of Mul_32s goes through doubles in w7 and t7, on every
+   target: the difference is part of what these columns compute, not of
+   their instruction set. */
 constexpr bool kMulInDouble = OMN_COLUMN_INDEX >= 2;
 
 template <typename... P>
