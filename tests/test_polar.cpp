@@ -237,6 +237,11 @@ TEST_P(PolarTest, IntegerMagnitudeSquaredMagnitudeAndPhase)
     EXPECT_EQ(ph({ -1, 0 }, -30), INT32_MAX);
     EXPECT_EQ(ph({ -1, -1 }, -30), INT32_MIN);
     EXPECT_EQ(ph({ 1, 1 }, 3), 0);      // 0.098 rounds to 0
+    // A phase of 0 times an infinite factor is NaN, which converts to the
+    // integer indefinite value.
+    EXPECT_EQ(ph({ 1, 0 }, -3000), INT32_MIN);
+    EXPECT_EQ(ph({ 0, 0 }, -3000), INT32_MIN);
+    EXPECT_EQ(ph({ 0, 1 }, -3000), INT32_MAX);
     // A sweep against long double: the magnitude rounds half up, the
     // squared magnitude truncates, the phase rounds half away from zero.
     const Omn32s parts[] = { 0, 1, -1, 3, -4, 1000, 46340, -46341, 1 << 20, INT32_MAX, INT32_MIN };
