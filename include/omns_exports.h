@@ -71,6 +71,14 @@ OMN_EXPORT(OmnStatus, omnsVectorJaehne_64f, (Omn64f* pDst, int len, Omn64f magn)
 OMN_EXPORT(OmnStatus, omnsVectorRamp_32s,   (Omn32s* pDst, int len, Omn32f offset, Omn32f slope))
 OMN_EXPORT(OmnStatus, omnsVectorRamp_64f,   (Omn64f* pDst, int len, Omn32f offset, Omn32f slope))
 
+/* Complex parts: conjugates, real and imaginary parts, splitting and joining */
+OMN_EXPORT(OmnStatus, omnsReal_64fc,       (const Omn64fc* pSrc, Omn64f* pDstRe, int len))
+OMN_EXPORT(OmnStatus, omnsImag_64fc,       (const Omn64fc* pSrc, Omn64f* pDstIm, int len))
+OMN_EXPORT(OmnStatus, omnsCplxToReal_64fc, (const Omn64fc* pSrc, Omn64f* pDstRe, Omn64f* pDstIm, int len))
+OMN_EXPORT(OmnStatus, omnsRealToCplx_64f,  (const Omn64f* pSrcRe, const Omn64f* pSrcIm, Omn64fc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsConj_64fc_I,     (Omn64fc* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsConj_64fc,       (const Omn64fc* pSrc, Omn64fc* pDst, int len))
+
 /* Sample-format conversions.  24-bit samples are packed, three bytes each,
    low byte first, and passed as bytes; lengths count samples. */
 OMN_EXPORT(OmnStatus, omnsConvert_8s16s,      (const Omn8s* pSrc, Omn16s* pDst, int len))
@@ -108,6 +116,12 @@ OMN_EXPORT(OmnStatus, omnsConvert_16f16s_Sfs, (const Omn16f* pSrc, Omn16s* pDst,
 OMN_EXPORT(OmnStatus, omnsConvert_32f16f,     (const Omn32f* pSrc, Omn16f* pDst, int len, int rndMode))
 OMN_EXPORT(OmnStatus, omnsConvert_16f32f,     (const Omn16f* pSrc, Omn32f* pDst, int len))
 
+/* Cartesian and polar forms */
+OMN_EXPORT(OmnStatus, omnsCartToPolar_64fc, (const Omn64fc* pSrc, Omn64f* pDstMagn, Omn64f* pDstPhase, int len))
+OMN_EXPORT(OmnStatus, omnsCartToPolar_64f,  (const Omn64f* pSrcRe, const Omn64f* pSrcIm, Omn64f* pDstMagn, Omn64f* pDstPhase, int len))
+OMN_EXPORT(OmnStatus, omnsPolarToCart_64fc, (const Omn64f* pSrcMagn, const Omn64f* pSrcPhase, Omn64fc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsPolarToCart_64f,  (const Omn64f* pSrcMagn, const Omn64f* pSrcPhase, Omn64f* pDstRe, Omn64f* pDstIm, int len))
+
 /* Reversal and byte order */
 OMN_EXPORT(OmnStatus, omnsFlip_64f,        (const Omn64f* pSrc, Omn64f* pDst, int len))
 OMN_EXPORT(OmnStatus, omnsFlip_64f_I,      (Omn64f* pSrcDst, int len))
@@ -124,6 +138,19 @@ OMN_EXPORT(OmnStatus, omnsSubCRev_64f_I,  (Omn64f val, Omn64f* pSrcDst, int len)
 OMN_EXPORT(OmnStatus, omnsSubCRev_64fc_I, (Omn64fc val, Omn64fc* pSrcDst, int len))
 OMN_EXPORT(OmnStatus, omnsMulC_64f_I,     (Omn64f val, Omn64f* pSrcDst, int len))
 OMN_EXPORT(OmnStatus, omnsMulC_64fc_I,    (Omn64fc val, Omn64fc* pSrcDst, int len))
+
+/* Scaled integer arithmetic: exact 64-bit accumulator, then the scale
+   factor.  Two-source forms take the second source as minuend and dividend. */
+OMN_EXPORT(OmnStatus, omnsAddC_32s_ISfs,     (Omn32s val, Omn32s* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsAddC_32sc_ISfs,    (Omn32sc val, Omn32sc* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSubC_32s_ISfs,     (Omn32s val, Omn32s* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSubC_32sc_ISfs,    (Omn32sc val, Omn32sc* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSubCRev_32s_ISfs,  (Omn32s val, Omn32s* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSubCRev_32sc_ISfs, (Omn32sc val, Omn32sc* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsMulC_32s_ISfs,     (Omn32s val, Omn32s* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsMulC_32sc_ISfs,    (Omn32sc val, Omn32sc* pSrcDst, int len, int scaleFactor))
+
+/* Element-wise arithmetic on doubles (continued) */
 OMN_EXPORT(OmnStatus, omnsAddC_64f,       (const Omn64f* pSrc, Omn64f val, Omn64f* pDst, int len))
 OMN_EXPORT(OmnStatus, omnsAddC_64fc,      (const Omn64fc* pSrc, Omn64fc val, Omn64fc* pDst, int len))
 OMN_EXPORT(OmnStatus, omnsSubC_64f,       (const Omn64f* pSrc, Omn64f val, Omn64f* pDst, int len))
@@ -132,18 +159,53 @@ OMN_EXPORT(OmnStatus, omnsSubCRev_64f,    (const Omn64f* pSrc, Omn64f val, Omn64
 OMN_EXPORT(OmnStatus, omnsSubCRev_64fc,   (const Omn64fc* pSrc, Omn64fc val, Omn64fc* pDst, int len))
 OMN_EXPORT(OmnStatus, omnsMulC_64f,       (const Omn64f* pSrc, Omn64f val, Omn64f* pDst, int len))
 OMN_EXPORT(OmnStatus, omnsMulC_64fc,      (const Omn64fc* pSrc, Omn64fc val, Omn64fc* pDst, int len))
+
+/* Scaled integer arithmetic (continued) */
+OMN_EXPORT(OmnStatus, omnsAddC_32s_Sfs,      (const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsAddC_32sc_Sfs,     (const Omn32sc* pSrc, Omn32sc val, Omn32sc* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSubC_32s_Sfs,      (const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSubC_32sc_Sfs,     (const Omn32sc* pSrc, Omn32sc val, Omn32sc* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSubCRev_32s_Sfs,   (const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSubCRev_32sc_Sfs,  (const Omn32sc* pSrc, Omn32sc val, Omn32sc* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsMulC_32s_Sfs,      (const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsMulC_32sc_Sfs,     (const Omn32sc* pSrc, Omn32sc val, Omn32sc* pDst, int len, int scaleFactor))
+
+/* Element-wise arithmetic on doubles (continued) */
 OMN_EXPORT(OmnStatus, omnsAdd_64f_I,      (const Omn64f* pSrc, Omn64f* pSrcDst, int len))
 OMN_EXPORT(OmnStatus, omnsAdd_64fc_I,     (const Omn64fc* pSrc, Omn64fc* pSrcDst, int len))
 OMN_EXPORT(OmnStatus, omnsSub_64f_I,      (const Omn64f* pSrc, Omn64f* pSrcDst, int len))
 OMN_EXPORT(OmnStatus, omnsSub_64fc_I,     (const Omn64fc* pSrc, Omn64fc* pSrcDst, int len))
 OMN_EXPORT(OmnStatus, omnsMul_64f_I,      (const Omn64f* pSrc, Omn64f* pSrcDst, int len))
 OMN_EXPORT(OmnStatus, omnsMul_64fc_I,     (const Omn64fc* pSrc, Omn64fc* pSrcDst, int len))
+
+/* Scaled integer arithmetic (continued) */
+OMN_EXPORT(OmnStatus, omnsAdd_32s_ISfs,      (const Omn32s* pSrc, Omn32s* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsAdd_32sc_ISfs,     (const Omn32sc* pSrc, Omn32sc* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSub_32s_ISfs,      (const Omn32s* pSrc, Omn32s* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSub_32sc_ISfs,     (const Omn32sc* pSrc, Omn32sc* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsMul_32s_ISfs,      (const Omn32s* pSrc, Omn32s* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsMul_32sc_ISfs,     (const Omn32sc* pSrc, Omn32sc* pSrcDst, int len, int scaleFactor))
+
+/* Element-wise arithmetic on doubles (continued) */
 OMN_EXPORT(OmnStatus, omnsAdd_64f,        (const Omn64f* pSrc1, const Omn64f* pSrc2, Omn64f* pDst, int len))
 OMN_EXPORT(OmnStatus, omnsAdd_64fc,       (const Omn64fc* pSrc1, const Omn64fc* pSrc2, Omn64fc* pDst, int len))
 OMN_EXPORT(OmnStatus, omnsSub_64f,        (const Omn64f* pSrc1, const Omn64f* pSrc2, Omn64f* pDst, int len))
 OMN_EXPORT(OmnStatus, omnsSub_64fc,       (const Omn64fc* pSrc1, const Omn64fc* pSrc2, Omn64fc* pDst, int len))
 OMN_EXPORT(OmnStatus, omnsMul_64f,        (const Omn64f* pSrc1, const Omn64f* pSrc2, Omn64f* pDst, int len))
 OMN_EXPORT(OmnStatus, omnsMul_64fc,       (const Omn64fc* pSrc1, const Omn64fc* pSrc2, Omn64fc* pDst, int len))
+
+/* Scaled integer arithmetic (continued) */
+OMN_EXPORT(OmnStatus, omnsAdd_32s_Sfs,       (const Omn32s* pSrc1, const Omn32s* pSrc2, Omn32s* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsAdd_32sc_Sfs,      (const Omn32sc* pSrc1, const Omn32sc* pSrc2, Omn32sc* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSub_32s_Sfs,       (const Omn32s* pSrc1, const Omn32s* pSrc2, Omn32s* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsSub_32sc_Sfs,      (const Omn32sc* pSrc1, const Omn32sc* pSrc2, Omn32sc* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsMul_32s_Sfs,       (const Omn32s* pSrc1, const Omn32s* pSrc2, Omn32s* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsMul_32sc_Sfs,      (const Omn32sc* pSrc1, const Omn32sc* pSrc2, Omn32sc* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsMul_32s32sc_ISfs,  (const Omn32s* pSrc, Omn32sc* pSrcDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsMul_32s32sc_Sfs,   (const Omn32s* pSrc1, const Omn32sc* pSrc2, Omn32sc* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsAddProduct_32s_Sfs,(const Omn32s* pSrc1, const Omn32s* pSrc2, Omn32s* pSrcDst, int len, int scaleFactor))
+
+/* Element-wise arithmetic on doubles (continued) */
 OMN_EXPORT(OmnStatus, omnsAddProduct_64f, (const Omn64f* pSrc1, const Omn64f* pSrc2, Omn64f* pSrcDst, int len))
 OMN_EXPORT(OmnStatus, omnsAddProduct_64fc,(const Omn64fc* pSrc1, const Omn64fc* pSrc2, Omn64fc* pSrcDst, int len))
 OMN_EXPORT(OmnStatus, omnsSqr_64f_I,      (Omn64f* pSrcDst, int len))
@@ -156,6 +218,12 @@ OMN_EXPORT(OmnStatus, omnsDivC_64f,       (const Omn64f* pSrc, Omn64f val, Omn64
 OMN_EXPORT(OmnStatus, omnsDivC_64fc,      (const Omn64fc* pSrc, Omn64fc val, Omn64fc* pDst, int len))
 OMN_EXPORT(OmnStatus, omnsDiv_64f_I,      (const Omn64f* pSrc, Omn64f* pSrcDst, int len))
 OMN_EXPORT(OmnStatus, omnsDiv_64fc_I,     (const Omn64fc* pSrc, Omn64fc* pSrcDst, int len))
+
+/* Scaled integer arithmetic (continued) */
+OMN_EXPORT(OmnStatus, omnsDiv_32s_Sfs,       (const Omn32s* pSrc1, const Omn32s* pSrc2, Omn32s* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsDiv_32s_ISfs,      (const Omn32s* pSrc, Omn32s* pSrcDst, int len, int scaleFactor))
+
+/* Element-wise arithmetic on doubles (continued) */
 OMN_EXPORT(OmnStatus, omnsDivC_64f_I,     (Omn64f val, Omn64f* pSrcDst, int len))
 OMN_EXPORT(OmnStatus, omnsDivC_64fc_I,    (Omn64fc val, Omn64fc* pSrcDst, int len))
 OMN_EXPORT(OmnStatus, omnsSqrt_64f_I,     (Omn64f* pSrcDst, int len))
@@ -164,6 +232,27 @@ OMN_EXPORT(OmnStatus, omnsSqrt_64f,       (const Omn64f* pSrc, Omn64f* pDst, int
 OMN_EXPORT(OmnStatus, omnsSqrt_64fc,      (const Omn64fc* pSrc, Omn64fc* pDst, int len))
 OMN_EXPORT(OmnStatus, omnsAbs_64f_I,      (Omn64f* pSrcDst, int len))
 OMN_EXPORT(OmnStatus, omnsAbs_64f,        (const Omn64f* pSrc, Omn64f* pDst, int len))
+
+/* Scaled integer arithmetic (continued) */
+OMN_EXPORT(OmnStatus, omnsAbs_32s_I,         (Omn32s* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsAbs_32s,           (const Omn32s* pSrc, Omn32s* pDst, int len))
+
+/* Magnitude and squared magnitude */
+OMN_EXPORT(OmnStatus, omnsMagnitude_64fc,         (const Omn64fc* pSrc, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsMagnitude_64f,          (const Omn64f* pSrcRe, const Omn64f* pSrcIm, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsMagnitude_32sc_Sfs,     (const Omn32sc* pSrc, Omn32s* pDst, int len, int scaleFactor))
+OMN_EXPORT(OmnStatus, omnsMagSquared_32sc32s_Sfs, (const Omn32sc* pSrc, Omn32s* pDst, int len, int scaleFactor))
+
+/* Phase */
+OMN_EXPORT(OmnStatus, omnsPhase_64fc,     (const Omn64fc* pSrc, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsPhase_64f,      (const Omn64f* pSrcRe, const Omn64f* pSrcIm, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsPhase_32sc_Sfs, (const Omn32sc* pSrc, Omn32s* pDst, int len, int scaleFactor))
+
+/* Integer shifts */
+OMN_EXPORT(OmnStatus, omnsLShiftC_32s_I, (Omn32s val, Omn32s* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsLShiftC_32s,   (const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsRShiftC_32s_I, (Omn32s val, Omn32s* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsRShiftC_32s,   (const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len))
 
 /* Version record of the accuracy-class group */
 OMN_EXPORT(const OmnLibVersion*, omnvmGetLibVersion, (void))
