@@ -8,6 +8,7 @@
  */
 #include "core/cpu.h"
 
+#include <math.h>
 #include <string.h>
 
 #include "core/variants.h"
@@ -226,6 +227,28 @@ void omnRestoreX87Control(uint16_t word) { __asm__ volatile("fldcw %0" : : "m"(w
 #else
 uint16_t omnSetX87ControlBits(uint16_t, uint16_t) { return 0; }
 void omnRestoreX87Control(uint16_t) {}
+#endif
+
+#if OMN_X86
+void omnProcessorSinCos(double m, double p, double* mCos, double* mSin)
+{
+    long double c = p, sn = p;
+    __asm__("fcos" : "+t"(c));
+    __asm__("fsin" : "+t"(sn));
+    *mCos = static_cast<double>(c * static_cast<long double>(m));
+    *mSin = static_cast<double>(sn * static_cast<long double>(m));
+}
+#else
+void omnProcessorSinCos(double m, double p, double* mCos, double* mSin)
+{
+    if (fabs(p) >= 9223372036854775808.0) {
+        *mCos = m * p;
+        *mSin = m * p;
+        return;
+    }
+    *mCos = m * cos(p);
+    *mSin = m * sin(p);
+}
 #endif
 
 /* ---- the exported functions: one for all columns ----------------------- */

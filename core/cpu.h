@@ -83,6 +83,14 @@ uint32_t omnReadMxcsr();                          /* the calling thread's MXCSR 
 uint16_t omnSetX87ControlBits(uint16_t bits, uint16_t mask);  /* returns the old word */
 void     omnRestoreX87Control(uint16_t word);
 
+/* m * cos(p) and m * sin(p) by the processor's own sine and cosine: the x87
+   instructions on the phase as stored, the products taken in the unit's
+   extended precision and each rounded once to double.  A phase of 2^63 or
+   more in size is out of the instructions' range and comes back unchanged.
+   Without an x87 unit, the C runtime's sine and cosine, with the same rule
+   for such phases. */
+void omnProcessorSinCos(double m, double p, double* mCos, double* mSin);
+
 } // namespace omn
 
 #endif /* OMN_CORE_CPU_H */

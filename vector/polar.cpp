@@ -18,6 +18,7 @@
  * The integer forms are the same code everywhere, with the runtime's atan2.
  */
 #include "core/column.h"
+#include "core/cpu.h"
 
 #include <math.h>
 #include <stdint.h>
@@ -179,43 +180,12 @@ void phaseKernel(const double* re, const double* im, size_t stride, double* d, s
 
 #if OMN_COLUMN_INDEX < 2
 
-#  if defined(__x86_64__) || defined(__i386__)
-/* The x87 instructions, on the phase as stored.  Outside +-2^63 they leave
-   their operand as it stands. */
-inline long double x87Sin(double p)
-{
-    long double r = p;
-    __asm__("fsin" : "+t"(r));
-    return r;
-}
-inline long double x87Cos(double p)
-{
-    long double r = p;
-    __asm__("fcos" : "+t"(r));
-    return r;
-}
-
-/* m*cos(p) and m*sin(p), the products taken in extended precision as the
-   x87 unit does, each rounded once to double when stored. */
+/* The processor's own sine and cosine: a processor-access function of the
+   frame, which holds the instructions themselves. */
 inline void sinCosProcessor(double m, double p, double& re, double& im)
 {
-    re = static_cast<double>(x87Cos(p) * static_cast<long double>(m));
-    im = static_cast<double>(x87Sin(p) * static_cast<long double>(m));
+    omnProcessorSinCos(m, p, &re, &im);
 }
-#  else
-/* Elsewhere the platform's own sine and cosine, keeping the x87 rule that
-   a phase beyond 2^63 comes back unchanged. */
-inline void sinCosProcessor(double m, double p, double& re, double& im)
-{
-    if (fabs(p) >= 9223372036854775808.0) {
-        re = m * p;
-        im = m * p;
-        return;
-    }
-    re = m * cos(p);
-    im = m * sin(p);
-}
-#  endif
 
 /* Writes element i's parts at re[i * stride] and im[i * stride]. */
 void polarToCart(const double* mag, const double* ph, double* re, double* im, size_t stride, size_t n)
