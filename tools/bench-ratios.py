@@ -50,7 +50,13 @@ def main():
         groups.setdefault((fn, size), {})[impl] = b
     print("| function | size | against | " + " | ".join(COLUMNS) + " |")
     print("|---|---|---|" + "---|" * len(COLUMNS))
-    for (fn, size), impls in groups.items():
+    def order(key):
+        fn, size = key
+        digits = "".join(ch for ch in size if ch.isdigit())
+        scale = 1 << 20 if "MiB" in size else 1 << 10 if "KiB" in size else 1
+        return (fn, int(digits or 0) * scale, size)
+
+    for (fn, size), impls in sorted(groups.items(), key=lambda kv: order(kv[0])):
         refs = [k for k in impls if k.startswith("ref-")]
         for ref in refs:
             base = speed(impls[ref])

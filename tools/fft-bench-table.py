@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Turns a Google Benchmark JSON run of the CplxFftFwd benchmarks into the
-table of docs/performance/fft.md: ns per transform (medians) of every
+FFT table of the README: ns per transform (medians) of every
 column and peer, and the ratios the targets name, each from one run:
 
   px / fftw-nosimd   the portable column against FFTW planned without SIMD
