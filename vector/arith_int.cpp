@@ -13,6 +13,7 @@
  * same code in every column.
  */
 #include "core/column.h"
+#include "core/checks.h"
 
 #include <math.h>
 #include <stdint.h>
@@ -38,9 +39,6 @@ constexpr bool kPackedAdditive = false;   /* px, a6 and portable builds: scalar 
    target: the difference is part of what these columns compute, not of
    their instruction set. */
 constexpr bool kMulInDouble = OMN_COLUMN_INDEX >= 2;
-
-template <typename... P>
-inline bool anyNull(P... p) { return ((p == nullptr) || ...); }
 
 inline size_t count(int len) { return static_cast<size_t>(len); }
 
@@ -528,40 +526,32 @@ OmnStatus lshift(const Omn32s* s, Omn32s val, Omn32s* d, size_t n)
 
 OmnStatus omnsAdd_32s_Sfs(const Omn32s* pSrc1, const Omn32s* pSrc2, Omn32s* pDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrc1, pSrc2, pDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc1, pSrc2, pDst))
+        return st;
     additive<false>(Arr{ pSrc1 }, Arr{ pSrc2 }, pDst, count(len), scaleFactor);
     return omnStatusOk;
 }
 
 OmnStatus omnsSub_32s_Sfs(const Omn32s* pSrc1, const Omn32s* pSrc2, Omn32s* pDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrc1, pSrc2, pDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc1, pSrc2, pDst))
+        return st;
     additive<true>(Arr{ pSrc2 }, Arr{ pSrc1 }, pDst, count(len), scaleFactor);
     return omnStatusOk;
 }
 
 OmnStatus omnsAdd_32s_ISfs(const Omn32s* pSrc, Omn32s* pSrcDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrc, pSrcDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pSrcDst))
+        return st;
     additive<false>(Arr{ pSrc }, Arr{ pSrcDst }, pSrcDst, count(len), scaleFactor);
     return omnStatusOk;
 }
 
 OmnStatus omnsSub_32s_ISfs(const Omn32s* pSrc, Omn32s* pSrcDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrc, pSrcDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pSrcDst))
+        return st;
     additive<true>(Arr{ pSrcDst }, Arr{ pSrc }, pSrcDst, count(len), scaleFactor);
     return omnStatusOk;
 }
@@ -598,10 +588,8 @@ OmnStatus omnsSub_32sc_ISfs(const Omn32sc* pSrc, Omn32sc* pSrcDst, int len, int 
 
 OmnStatus omnsAddC_32s_Sfs(const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrc, pDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     if (scaleFactor == 0 && val == 0)   /* the same 32-bit words */
         return omn::OMN_COL::omnsCopy_32f(reinterpret_cast<const Omn32f*>(pSrc), reinterpret_cast<Omn32f*>(pDst), len);
     additive<false>(Arr{ pSrc }, Pat{ val, val }, pDst, count(len), scaleFactor);
@@ -610,10 +598,8 @@ OmnStatus omnsAddC_32s_Sfs(const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len
 
 OmnStatus omnsSubC_32s_Sfs(const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrc, pDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     if (scaleFactor == 0 && val == 0)
         return omn::OMN_COL::omnsCopy_32f(reinterpret_cast<const Omn32f*>(pSrc), reinterpret_cast<Omn32f*>(pDst), len);
     additive<true>(Arr{ pSrc }, Pat{ val, val }, pDst, count(len), scaleFactor);
@@ -622,20 +608,16 @@ OmnStatus omnsSubC_32s_Sfs(const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len
 
 OmnStatus omnsSubCRev_32s_Sfs(const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrc, pDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     additive<true>(Pat{ val, val }, Arr{ pSrc }, pDst, count(len), scaleFactor);
     return omnStatusOk;
 }
 
 OmnStatus omnsAddC_32s_ISfs(Omn32s val, Omn32s* pSrcDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrcDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrcDst))
+        return st;
     if (scaleFactor == 0 && val == 0)
         return omnStatusOk;
     additive<false>(Arr{ pSrcDst }, Pat{ val, val }, pSrcDst, count(len), scaleFactor);
@@ -644,10 +626,8 @@ OmnStatus omnsAddC_32s_ISfs(Omn32s val, Omn32s* pSrcDst, int len, int scaleFacto
 
 OmnStatus omnsSubC_32s_ISfs(Omn32s val, Omn32s* pSrcDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrcDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrcDst))
+        return st;
     if (scaleFactor == 0 && val == 0)
         return omnStatusOk;
     additive<true>(Arr{ pSrcDst }, Pat{ val, val }, pSrcDst, count(len), scaleFactor);
@@ -656,10 +636,8 @@ OmnStatus omnsSubC_32s_ISfs(Omn32s val, Omn32s* pSrcDst, int len, int scaleFacto
 
 OmnStatus omnsSubCRev_32s_ISfs(Omn32s val, Omn32s* pSrcDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrcDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrcDst))
+        return st;
     additive<true>(Pat{ val, val }, Arr{ pSrcDst }, pSrcDst, count(len), scaleFactor);
     return omnStatusOk;
 }
@@ -667,60 +645,48 @@ OmnStatus omnsSubCRev_32s_ISfs(Omn32s val, Omn32s* pSrcDst, int len, int scaleFa
 /* Complex constants run the loop whatever the constant. */
 OmnStatus omnsAddC_32sc_Sfs(const Omn32sc* pSrc, Omn32sc val, Omn32sc* pDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrc, pDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     additive<false>(Arr{ parts(pSrc) }, Pat{ val.re, val.im }, parts(pDst), 2 * count(len), scaleFactor);
     return omnStatusOk;
 }
 
 OmnStatus omnsSubC_32sc_Sfs(const Omn32sc* pSrc, Omn32sc val, Omn32sc* pDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrc, pDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     additive<true>(Arr{ parts(pSrc) }, Pat{ val.re, val.im }, parts(pDst), 2 * count(len), scaleFactor);
     return omnStatusOk;
 }
 
 OmnStatus omnsSubCRev_32sc_Sfs(const Omn32sc* pSrc, Omn32sc val, Omn32sc* pDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrc, pDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     additive<true>(Pat{ val.re, val.im }, Arr{ parts(pSrc) }, parts(pDst), 2 * count(len), scaleFactor);
     return omnStatusOk;
 }
 
 OmnStatus omnsAddC_32sc_ISfs(Omn32sc val, Omn32sc* pSrcDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrcDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrcDst))
+        return st;
     additive<false>(Arr{ parts(pSrcDst) }, Pat{ val.re, val.im }, parts(pSrcDst), 2 * count(len), scaleFactor);
     return omnStatusOk;
 }
 
 OmnStatus omnsSubC_32sc_ISfs(Omn32sc val, Omn32sc* pSrcDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrcDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrcDst))
+        return st;
     additive<true>(Arr{ parts(pSrcDst) }, Pat{ val.re, val.im }, parts(pSrcDst), 2 * count(len), scaleFactor);
     return omnStatusOk;
 }
 
 OmnStatus omnsSubCRev_32sc_ISfs(Omn32sc val, Omn32sc* pSrcDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrcDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrcDst))
+        return st;
     additive<true>(Pat{ val.re, val.im }, Arr{ parts(pSrcDst) }, parts(pSrcDst), 2 * count(len), scaleFactor);
     return omnStatusOk;
 }
@@ -729,40 +695,32 @@ OmnStatus omnsSubCRev_32sc_ISfs(Omn32sc val, Omn32sc* pSrcDst, int len, int scal
 
 OmnStatus omnsMul_32s_Sfs(const Omn32s* pSrc1, const Omn32s* pSrc2, Omn32s* pDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrc1, pSrc2, pDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc1, pSrc2, pDst))
+        return st;
     mulReal(pSrc1, pSrc2, pDst, count(len), scaleFactor);
     return omnStatusOk;
 }
 
 OmnStatus omnsMul_32s_ISfs(const Omn32s* pSrc, Omn32s* pSrcDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrc, pSrcDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pSrcDst))
+        return st;
     mulReal(pSrc, pSrcDst, pSrcDst, count(len), scaleFactor);
     return omnStatusOk;
 }
 
 OmnStatus omnsMul_32sc_Sfs(const Omn32sc* pSrc1, const Omn32sc* pSrc2, Omn32sc* pDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrc1, pSrc2, pDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc1, pSrc2, pDst))
+        return st;
     mulCplx(pSrc1, pSrc2, parts(pDst), count(len), scaleFactor);
     return omnStatusOk;
 }
 
 OmnStatus omnsMul_32sc_ISfs(const Omn32sc* pSrc, Omn32sc* pSrcDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrc, pSrcDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pSrcDst))
+        return st;
     mulCplx(pSrc, pSrcDst, parts(pSrcDst), count(len), scaleFactor);
     return omnStatusOk;
 }
@@ -771,10 +729,8 @@ OmnStatus omnsMul_32sc_ISfs(const Omn32sc* pSrc, Omn32sc* pSrcDst, int len, int 
    one, unscaled, copies the source. */
 OmnStatus omnsMulC_32s_Sfs(const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrc, pDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     if (val == 0) {
         zeroParts(pDst, count(len));
         return omnStatusOk;
@@ -788,10 +744,8 @@ OmnStatus omnsMulC_32s_Sfs(const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len
 
 OmnStatus omnsMulC_32s_ISfs(Omn32s val, Omn32s* pSrcDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrcDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrcDst))
+        return st;
     if (val == 0) {
         zeroParts(pSrcDst, count(len));
         return omnStatusOk;
@@ -803,30 +757,24 @@ OmnStatus omnsMulC_32s_ISfs(Omn32s val, Omn32s* pSrcDst, int len, int scaleFacto
 
 OmnStatus omnsMulC_32sc_Sfs(const Omn32sc* pSrc, Omn32sc val, Omn32sc* pDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrc, pDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     mulCplxConst(pSrc, val, parts(pDst), count(len), scaleFactor);
     return omnStatusOk;
 }
 
 OmnStatus omnsMulC_32sc_ISfs(Omn32sc val, Omn32sc* pSrcDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrcDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrcDst))
+        return st;
     mulCplxConst(pSrcDst, val, parts(pSrcDst), count(len), scaleFactor);
     return omnStatusOk;
 }
 
 OmnStatus omnsMul_32s32sc_Sfs(const Omn32s* pSrc1, const Omn32sc* pSrc2, Omn32sc* pDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrc1, pSrc2, pDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc1, pSrc2, pDst))
+        return st;
     scale::scaleEach<scale::kProduct, 2>(parts(pDst), count(len), scaleFactor, [&](size_t i, int64_t* s) {
         const int64_t a = pSrc1[i];
         const Omn32sc y = pSrc2[i];
@@ -838,19 +786,15 @@ OmnStatus omnsMul_32s32sc_Sfs(const Omn32s* pSrc1, const Omn32sc* pSrc2, Omn32sc
 
 OmnStatus omnsMul_32s32sc_ISfs(const Omn32s* pSrc, Omn32sc* pSrcDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrc, pSrcDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pSrcDst))
+        return st;
     return omn::OMN_COL::omnsMul_32s32sc_Sfs(pSrc, pSrcDst, pSrcDst, len, scaleFactor);
 }
 
 OmnStatus omnsAddProduct_32s_Sfs(const Omn32s* pSrc1, const Omn32s* pSrc2, Omn32s* pSrcDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrc1, pSrc2, pSrcDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc1, pSrc2, pSrcDst))
+        return st;
     scale::scaleEach<scale::kAddProduct, 1>(pSrcDst, count(len), scaleFactor, [&](size_t i, int64_t* s) {
         s[0] = int64_t(pSrc1[i]) * pSrc2[i] + pSrcDst[i];
     });
@@ -861,19 +805,15 @@ OmnStatus omnsAddProduct_32s_Sfs(const Omn32s* pSrc1, const Omn32s* pSrc2, Omn32
 
 OmnStatus omnsDiv_32s_Sfs(const Omn32s* pSrc1, const Omn32s* pSrc2, Omn32s* pDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrc1, pSrc2, pDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc1, pSrc2, pDst))
+        return st;
     return divide(pSrc1, pSrc2, pDst, count(len), scaleFactor) ? omnStatusDivZeroValues : omnStatusOk;
 }
 
 OmnStatus omnsDiv_32s_ISfs(const Omn32s* pSrc, Omn32s* pSrcDst, int len, int scaleFactor)
 {
-    if (anyNull(pSrc, pSrcDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pSrcDst))
+        return st;
     return divide(pSrc, pSrcDst, pSrcDst, count(len), scaleFactor) ? omnStatusDivZeroValues : omnStatusOk;
 }
 
@@ -881,57 +821,45 @@ OmnStatus omnsDiv_32s_ISfs(const Omn32s* pSrc, Omn32s* pSrcDst, int len, int sca
 
 OmnStatus omnsAbs_32s(const Omn32s* pSrc, Omn32s* pDst, int len)
 {
-    if (anyNull(pSrc, pDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     absKernel(pSrc, pDst, count(len));
     return omnStatusOk;
 }
 
 OmnStatus omnsAbs_32s_I(Omn32s* pSrcDst, int len)
 {
-    if (anyNull(pSrcDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrcDst))
+        return st;
     absKernel(pSrcDst, pSrcDst, count(len));
     return omnStatusOk;
 }
 
 OmnStatus omnsRShiftC_32s(const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len)
 {
-    if (anyNull(pSrc, pDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     return rshift(pSrc, val, pDst, count(len));
 }
 
 OmnStatus omnsRShiftC_32s_I(Omn32s val, Omn32s* pSrcDst, int len)
 {
-    if (anyNull(pSrcDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrcDst))
+        return st;
     return rshift(pSrcDst, val, pSrcDst, count(len));
 }
 
 OmnStatus omnsLShiftC_32s(const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len)
 {
-    if (anyNull(pSrc, pDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     return lshift(pSrc, val, pDst, count(len));
 }
 
 OmnStatus omnsLShiftC_32s_I(Omn32s val, Omn32s* pSrcDst, int len)
 {
-    if (anyNull(pSrcDst))
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrcDst))
+        return st;
     return lshift(pSrcDst, val, pSrcDst, count(len));
 }
 

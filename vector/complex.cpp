@@ -7,6 +7,7 @@
  * conjugate flips the sign bit, so 0 becomes -0 and a NaN keeps its payload.
  */
 #include "core/column.h"
+#include "core/checks.h"
 
 #include <stdint.h>
 #include <string.h>
@@ -14,18 +15,6 @@
 OMN_COLUMN_BEGIN
 
 namespace {
-
-template <typename... P>
-inline bool anyNull(P... p) { return ((p == nullptr) || ...); }
-
-/* Each pointer, then the length. */
-template <typename... P>
-inline OmnStatus check(int len, P... p)
-{
-    if (anyNull(p...))
-        return omnStatusNullPointer;
-    return len < 1 ? omnStatusBadSize : omnStatusOk;
-}
 
 inline size_t count(int len) { return static_cast<size_t>(len); }
 
@@ -125,7 +114,7 @@ void joinKernel(const double* re, const double* im, double* d, size_t n)
 
 OmnStatus omnsConj_64fc(const Omn64fc* pSrc, Omn64fc* pDst, int len)
 {
-    const OmnStatus st = check(len, pSrc, pDst);
+    const OmnStatus st = checkArgs(len, pSrc, pDst);
     if (st == omnStatusOk)
         conjKernel(parts(pSrc), parts(pDst), count(len));
     return st;
@@ -133,7 +122,7 @@ OmnStatus omnsConj_64fc(const Omn64fc* pSrc, Omn64fc* pDst, int len)
 
 OmnStatus omnsConj_64fc_I(Omn64fc* pSrcDst, int len)
 {
-    const OmnStatus st = check(len, pSrcDst);
+    const OmnStatus st = checkArgs(len, pSrcDst);
     if (st == omnStatusOk)
         conjKernel(parts(pSrcDst), parts(pSrcDst), count(len));
     return st;
@@ -141,7 +130,7 @@ OmnStatus omnsConj_64fc_I(Omn64fc* pSrcDst, int len)
 
 OmnStatus omnsReal_64fc(const Omn64fc* pSrc, Omn64f* pDstRe, int len)
 {
-    const OmnStatus st = check(len, pSrc, pDstRe);
+    const OmnStatus st = checkArgs(len, pSrc, pDstRe);
     if (st == omnStatusOk)
         partKernel(parts(pSrc), pDstRe, count(len), 0);
     return st;
@@ -149,7 +138,7 @@ OmnStatus omnsReal_64fc(const Omn64fc* pSrc, Omn64f* pDstRe, int len)
 
 OmnStatus omnsImag_64fc(const Omn64fc* pSrc, Omn64f* pDstIm, int len)
 {
-    const OmnStatus st = check(len, pSrc, pDstIm);
+    const OmnStatus st = checkArgs(len, pSrc, pDstIm);
     if (st == omnStatusOk)
         partKernel(parts(pSrc), pDstIm, count(len), 1);
     return st;
@@ -157,7 +146,7 @@ OmnStatus omnsImag_64fc(const Omn64fc* pSrc, Omn64f* pDstIm, int len)
 
 OmnStatus omnsCplxToReal_64fc(const Omn64fc* pSrc, Omn64f* pDstRe, Omn64f* pDstIm, int len)
 {
-    const OmnStatus st = check(len, pSrc, pDstRe, pDstIm);
+    const OmnStatus st = checkArgs(len, pSrc, pDstRe, pDstIm);
     if (st == omnStatusOk)
         splitKernel(parts(pSrc), pDstRe, pDstIm, count(len));
     return st;

@@ -18,6 +18,7 @@
  * The integer forms are the same code everywhere, with the runtime's atan2.
  */
 #include "core/column.h"
+#include "core/checks.h"
 #include "core/cpu.h"
 
 #include <math.h>
@@ -29,17 +30,6 @@
 OMN_COLUMN_BEGIN
 
 namespace {
-
-template <typename... P>
-inline bool anyNull(P... p) { return ((p == nullptr) || ...); }
-
-template <typename... P>
-inline OmnStatus check(int len, P... p)
-{
-    if (anyNull(p...))
-        return omnStatusNullPointer;
-    return len < 1 ? omnStatusBadSize : omnStatusOk;
-}
 
 inline size_t count(int len) { return static_cast<size_t>(len); }
 
@@ -409,7 +399,7 @@ void phaseInt(const Omn32sc* s, Omn32s* d, size_t n, int sf)
 
 OmnStatus omnsMagnitude_64fc(const Omn64fc* pSrc, Omn64f* pDst, int len)
 {
-    const OmnStatus st = check(len, pSrc, pDst);
+    const OmnStatus st = checkArgs(len, pSrc, pDst);
     if (st == omnStatusOk)
         magnitudeKernel(parts(pSrc), parts(pSrc) + 1, 2, pDst, count(len));
     return st;
@@ -417,7 +407,7 @@ OmnStatus omnsMagnitude_64fc(const Omn64fc* pSrc, Omn64f* pDst, int len)
 
 OmnStatus omnsMagnitude_64f(const Omn64f* pSrcRe, const Omn64f* pSrcIm, Omn64f* pDst, int len)
 {
-    const OmnStatus st = check(len, pSrcRe, pSrcIm, pDst);
+    const OmnStatus st = checkArgs(len, pSrcRe, pSrcIm, pDst);
     if (st == omnStatusOk)
         magnitudeKernel(pSrcRe, pSrcIm, 1, pDst, count(len));
     return st;
@@ -425,7 +415,7 @@ OmnStatus omnsMagnitude_64f(const Omn64f* pSrcRe, const Omn64f* pSrcIm, Omn64f* 
 
 OmnStatus omnsPhase_64fc(const Omn64fc* pSrc, Omn64f* pDst, int len)
 {
-    const OmnStatus st = check(len, pSrc, pDst);
+    const OmnStatus st = checkArgs(len, pSrc, pDst);
     if (st == omnStatusOk)
         phaseKernel(parts(pSrc), parts(pSrc) + 1, 2, pDst, count(len));
     return st;
@@ -433,7 +423,7 @@ OmnStatus omnsPhase_64fc(const Omn64fc* pSrc, Omn64f* pDst, int len)
 
 OmnStatus omnsPhase_64f(const Omn64f* pSrcRe, const Omn64f* pSrcIm, Omn64f* pDst, int len)
 {
-    const OmnStatus st = check(len, pSrcRe, pSrcIm, pDst);
+    const OmnStatus st = checkArgs(len, pSrcRe, pSrcIm, pDst);
     if (st == omnStatusOk)
         phaseKernel(pSrcRe, pSrcIm, 1, pDst, count(len));
     return st;
@@ -457,7 +447,7 @@ OmnStatus omnsCartToPolar_64f(const Omn64f* pSrcRe, const Omn64f* pSrcIm, Omn64f
 
 OmnStatus omnsPolarToCart_64f(const Omn64f* pSrcMagn, const Omn64f* pSrcPhase, Omn64f* pDstRe, Omn64f* pDstIm, int len)
 {
-    const OmnStatus st = check(len, pSrcMagn, pSrcPhase, pDstRe, pDstIm);
+    const OmnStatus st = checkArgs(len, pSrcMagn, pSrcPhase, pDstRe, pDstIm);
     if (st == omnStatusOk)
         polarToCart(pSrcMagn, pSrcPhase, pDstRe, pDstIm, 1, count(len));
     return st;
@@ -466,7 +456,7 @@ OmnStatus omnsPolarToCart_64f(const Omn64f* pSrcMagn, const Omn64f* pSrcPhase, O
 /* The destination is tested before the sources. */
 OmnStatus omnsPolarToCart_64fc(const Omn64f* pSrcMagn, const Omn64f* pSrcPhase, Omn64fc* pDst, int len)
 {
-    const OmnStatus st = check(len, pDst, pSrcMagn, pSrcPhase);
+    const OmnStatus st = checkArgs(len, pDst, pSrcMagn, pSrcPhase);
     if (st == omnStatusOk)
         polarToCart(pSrcMagn, pSrcPhase, parts(pDst), parts(pDst) + 1, 2, count(len));
     return st;
@@ -476,7 +466,7 @@ OmnStatus omnsPolarToCart_64fc(const Omn64f* pSrcMagn, const Omn64f* pSrcPhase, 
 
 OmnStatus omnsMagnitude_32sc_Sfs(const Omn32sc* pSrc, Omn32s* pDst, int len, int scaleFactor)
 {
-    const OmnStatus st = check(len, pSrc, pDst);
+    const OmnStatus st = checkArgs(len, pSrc, pDst);
     if (st == omnStatusOk)
         magnitudeInt(pSrc, pDst, count(len), scaleFactor);
     return st;
@@ -484,7 +474,7 @@ OmnStatus omnsMagnitude_32sc_Sfs(const Omn32sc* pSrc, Omn32s* pDst, int len, int
 
 OmnStatus omnsMagSquared_32sc32s_Sfs(const Omn32sc* pSrc, Omn32s* pDst, int len, int scaleFactor)
 {
-    const OmnStatus st = check(len, pSrc, pDst);
+    const OmnStatus st = checkArgs(len, pSrc, pDst);
     if (st == omnStatusOk)
         magSquaredInt(pSrc, pDst, count(len), scaleFactor);
     return st;
@@ -492,7 +482,7 @@ OmnStatus omnsMagSquared_32sc32s_Sfs(const Omn32sc* pSrc, Omn32s* pDst, int len,
 
 OmnStatus omnsPhase_32sc_Sfs(const Omn32sc* pSrc, Omn32s* pDst, int len, int scaleFactor)
 {
-    const OmnStatus st = check(len, pSrc, pDst);
+    const OmnStatus st = checkArgs(len, pSrc, pDst);
     if (st == omnStatusOk)
         phaseInt(pSrc, pDst, count(len), scaleFactor);
     return st;
