@@ -22,6 +22,11 @@ inline std::string fftName(const std::string& impl, int order)
     return "CplxFftFwd/" + impl + "/order" + std::to_string(order);
 }
 
+inline std::string realFftName(bool inv, const std::string& impl, int order)
+{
+    return std::string(inv ? "RealFftInv" : "RealFftFwd") + "/" + impl + "/order" + std::to_string(order);
+}
+
 inline void configureFft(benchmark::internal::Benchmark* b, int order)
 {
     b->UseRealTime()->Unit(benchmark::kNanosecond);

@@ -48,5 +48,17 @@ void plainAddProduct(const double* a, const double* b, double* d, int n)
         d[i] = d[i] + a[i] * b[i];
 }
 
+void plainMulPerm(const double* a, const double* b, double* d, int n)
+{
+    d[0] = a[0] * b[0];
+    d[1] = a[1] * b[1];
+    for (int i = 2; i < n; i += 2) {
+        const double re = a[i] * b[i] - a[i + 1] * b[i + 1];
+        const double im = a[i] * b[i + 1] + a[i + 1] * b[i];
+        d[i] = re;
+        d[i + 1] = im;
+    }
+}
+
 } // namespace bench
 } // namespace omn

@@ -13,6 +13,8 @@ void plainDiv(const double* a, const double* b, double* d, int n);   // b / a, l
 void plainSqrt(const double* a, double* d, int n);
 void plainMulComplex(const Omn64fc* a, const Omn64fc* b, Omn64fc* d, int n);
 void plainAddProduct(const double* a, const double* b, double* d, int n);
+// Product of two Perm spectra of even length n.
+void plainMulPerm(const double* a, const double* b, double* d, int n);
 
 } // namespace bench
 } // namespace omn

@@ -84,6 +84,18 @@ extern const SmallFn kSmall[2][2][4];
 void transform(const Omn64fc* src, Omn64fc* dst, const OmnFftSpecRecord* spec, int k, bool inv, bool scaled,
                double* work);
 
+/* Work memory of a transform of order 4 and up: none when bufSize is 0,
+   else the caller's buffer moved up to 16 bytes, or (null buffer) a block
+   of bufSize bytes that the caller of this function frees through *own
+   once the transform is done.  Fails only with -9. */
+OmnStatus acquireWork(const OmnFftSpecRecord* spec, Omn8u* pBuf, double** work, void** own);
+
+/* Real transforms of orders 0 to 3, Perm in or out: [inverse][scaled][order].
+   The scaled forms multiply the inputs by the factor before the butterflies;
+   src may equal dst. */
+typedef void (*RealSmallFn)(const double* src, double* dst, double scale);
+extern const RealSmallFn kRealSmall[2][2][4];
+
 /* Multiplies n doubles by s. */
 inline void scaleDoubles(double* p, size_t n, double s)
 {

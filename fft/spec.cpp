@@ -140,27 +140,40 @@ OmnStatus cplxTransform(const Omn64fc* pSrc, Omn64fc* pDst, const OmnCplxFftSpec
         fft::kSmall[Inv][scaled][order](pSrc, pDst, spec->scale);
         return omnStatusOk;
     }
-    /* Work memory: none, the caller's moved up to 16 bytes, or a block of
-       our own for this call. */
     void* own = nullptr;
     double* work = nullptr;
-    if (spec->bufSize > 0) {
-        if (pBuf == nullptr) {
-            own = omnAllocBytes(spec->bufSize);
-            if (own == nullptr)
-                return omnStatusNoMemory;
-            work = static_cast<double*>(own);
-        } else {
-            const uintptr_t a = (reinterpret_cast<uintptr_t>(pBuf) + 15) & ~uintptr_t(15);
-            work = reinterpret_cast<double*>(a);
-        }
-    }
+    if (const OmnStatus st = fft::acquireWork(spec, pBuf, &work, &own))
+        return st;
     fft::transform(pSrc, pDst, spec, order, Inv, scaled, work);
     common::omnsFree(own);
     return omnStatusOk;
 }
 
 } // namespace
+
+namespace fft {
+
+OmnStatus acquireWork(const OmnFftSpecRecord* spec, Omn8u* pBuf, double** work, void** own)
+{
+    *work = nullptr;
+    *own = nullptr;
+    if (spec->bufSize <= 0)
+        return omnStatusOk;
+    if (pBuf == nullptr) {
+        *own = omnAllocBytes(spec->bufSize);
+        if (*own == nullptr)
+            return omnStatusNoMemory;
+        *work = static_cast<double*>(*own);
+        return omnStatusOk;
+    }
+    /* The caller's buffer at any alignment: the 16 bytes of slack at the
+       end of bufSize are for moving it up to a 16-byte boundary. */
+    const uintptr_t a = (reinterpret_cast<uintptr_t>(pBuf) + 15) & ~uintptr_t(15);
+    *work = reinterpret_cast<double*>(a);
+    return omnStatusOk;
+}
+
+} // namespace fft
 
 OmnStatus omnsCplxFftCreate_64fc(OmnCplxFftSpec** ppSpec, int order, int flag, int hint)
 {

@@ -79,6 +79,16 @@ OMN_EXPORT(OmnStatus, omnsRealToCplx_64f,  (const Omn64f* pSrcRe, const Omn64f* 
 OMN_EXPORT(OmnStatus, omnsConj_64fc_I,     (Omn64fc* pSrcDst, int len))
 OMN_EXPORT(OmnStatus, omnsConj_64fc,       (const Omn64fc* pSrc, Omn64fc* pDst, int len))
 
+/* Packed real spectra (Pack, Perm, Ccs) expanded to the full complex
+   spectrum of len values; ConjFlip reverses and conjugates. */
+OMN_EXPORT(OmnStatus, omnsConjFlip_64fc,   (const Omn64fc* pSrc, Omn64fc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsConjCcs_64fc_I,  (Omn64fc* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsConjCcs_64fc,    (const Omn64fc* pSrc, Omn64fc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsConjPack_64fc_I, (Omn64fc* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsConjPack_64fc,   (const Omn64f* pSrc, Omn64fc* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsConjPerm_64fc_I, (Omn64fc* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsConjPerm_64fc,   (const Omn64f* pSrc, Omn64fc* pDst, int len))
+
 /* Sample-format conversions.  24-bit samples are packed, three bytes each,
    low byte first, and passed as bytes; lengths count samples. */
 OMN_EXPORT(OmnStatus, omnsConvert_8s16s,      (const Omn8s* pSrc, Omn16s* pDst, int len))
@@ -253,6 +263,14 @@ OMN_EXPORT(OmnStatus, omnsLShiftC_32s_I, (Omn32s val, Omn32s* pSrcDst, int len))
 OMN_EXPORT(OmnStatus, omnsLShiftC_32s,   (const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len))
 OMN_EXPORT(OmnStatus, omnsRShiftC_32s_I, (Omn32s val, Omn32s* pSrcDst, int len))
 OMN_EXPORT(OmnStatus, omnsRShiftC_32s,   (const Omn32s* pSrc, Omn32s val, Omn32s* pDst, int len))
+
+/* Products of packed real spectra; len counts elements of the full
+   spectrum.  MulPackConj conjugates the array it overwrites. */
+OMN_EXPORT(OmnStatus, omnsMulPack_64f_I,     (const Omn64f* pSrc, Omn64f* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsMulPerm_64f_I,     (const Omn64f* pSrc, Omn64f* pSrcDst, int len))
+OMN_EXPORT(OmnStatus, omnsMulPack_64f,       (const Omn64f* pSrc1, const Omn64f* pSrc2, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsMulPerm_64f,       (const Omn64f* pSrc1, const Omn64f* pSrc2, Omn64f* pDst, int len))
+OMN_EXPORT(OmnStatus, omnsMulPackConj_64f_I, (const Omn64f* pSrc, Omn64f* pSrcDst, int len))
 
 /* Version record of the accuracy-class group */
 OMN_EXPORT(const OmnLibVersion*, omnvmGetLibVersion, (void))

@@ -10,7 +10,10 @@ A ratio above 1 means the column is faster.  Ratios are given from real
 time (what tools/bench-ratios.py uses) and from CPU time, which is steadier
 on a shared machine.
 
-usage: tools/fft-bench-table.py run.json
+usage: tools/fft-bench-table.py run.json [FUNCTION]
+
+FUNCTION is the first part of the benchmark names: CplxFftFwd (the
+default), RealFftFwd or RealFftInv.
 """
 import json
 import sys
@@ -27,10 +30,11 @@ def main():
         benches = [b for b in benches if b.get("aggregate_name") == "median"]
     else:
         benches = [b for b in benches if b.get("run_type") != "aggregate"]
+    function = sys.argv[2] if len(sys.argv) > 2 else "CplxFftFwd"
     t = {}
     for b in benches:
         parts = b.get("run_name", b["name"]).split("/")
-        if len(parts) < 3 or parts[0] != "CplxFftFwd":
+        if len(parts) < 3 or parts[0] != function:
             continue
         t.setdefault(int(parts[2][5:]), {})[parts[1]] = (b["real_time"], b["cpu_time"])
     print("| order | " + " | ".join(i.replace("ref-", "") + " ns" for i in IMPLS) +

@@ -1,0 +1,315 @@
+/*
+ * real.cpp - real transforms of N = 2^order points to and from the packed
+ * spectra Perm and Pack.
+ *
+ * Orders 0 to 3 are straight-line routines.  From order 4 the N reals are
+ * taken as M = N/2 complex values z[j] = x[2j] + i x[2j+1] and go through
+ * the complex core of order - 1; the recombination turns the core's
+ * spectrum Z into X (forward) or X into the Z whose inverse is x (inverse),
+ * with the tables recombFwd and recombInv built at creation.
+ *
+ * The forward scale is applied by the core, before the recombination; the
+ * inverse scale likewise by the core, after it.  So the scale costs no sweep
+ * of its own in either direction.
+ *
+ * Column point: px/a6 tables hold entry k at pair k and the loop stops
+ * below M/2, the middle term being a negation; w7/t7 tables hold two
+ * neighbours per group from k = 1, and their loop runs through k = M/2,
+ * where the closing table entry (A = B = 0, and cos = 0, -sin = -1) makes
+ * the general step produce the middle term.
+ */
+#include "core/column.h"
+
+#include <string.h>
+
+#include "core/alloc.h"
+#include "fft/engine.h"
+
+OMN_COLUMN_BEGIN
+namespace fft {
+namespace {
+
+constexpr double kHalfRoot2 = 0.7071067811865476;
+constexpr double kRoot2 = 1.4142135623730951;
+
+/* ---- orders 0 to 3 ------------------------------------------------------ */
+
+template <bool Scaled>
+inline double in(const double* src, int i, double s)
+{
+    return Scaled ? src[i] * s : src[i];
+}
+
+/* One point: a copy, in both directions. */
+template <bool Inv, bool Scaled>
+void real0(const double* src, double* dst, double s)
+{
+    dst[0] = in<Scaled>(src, 0, s);
+}
+
+/* Two points: sum and difference, in both directions. */
+template <bool Inv, bool Scaled>
+void real1(const double* src, double* dst, double s)
+{
+    const double x0 = in<Scaled>(src, 0, s), x1 = in<Scaled>(src, 1, s);
+    dst[0] = x0 + x1;
+    dst[1] = x0 - x1;
+}
+
+/* Four points.  Forward: X0, X2, then X1 = (x0 - x2, x3 - x1).  Inverse
+   from Perm a, b, c, d = X0, X2, Re X1, Im X1. */
+template <bool Inv, bool Scaled>
+void real2(const double* src, double* dst, double s)
+{
+    const double x0 = in<Scaled>(src, 0, s), x1 = in<Scaled>(src, 1, s);
+    const double x2 = in<Scaled>(src, 2, s), x3 = in<Scaled>(src, 3, s);
+    if (!Inv) {
+        const double e = x0 + x2, o = x1 + x3;
+        dst[0] = e + o;
+        dst[1] = e - o;
+        dst[2] = x0 - x2;
+        dst[3] = x3 - x1;
+    } else {
+        const double p = x0 + x1, m = x0 - x1, c2 = x2 + x2, d2 = x3 + x3;
+        dst[0] = p + c2;
+        dst[1] = m - d2;
+        dst[2] = p - c2;
+        dst[3] = m + d2;
+    }
+}
+
+/* Eight points, Perm R0, R4, R1, I1, R2, I2, R3, I3.  The inverse is the
+   mirror of the forward: its odd terms are rotated by sqrt(2) where the
+   forward's are by sqrt(2)/2, since the inverse counts each conjugate pair
+   twice. */
+template <bool Inv, bool Scaled>
+void real3(const double* src, double* dst, double s)
+{
+    double x[8];
+    for (int i = 0; i < 8; ++i)
+        x[i] = in<Scaled>(src, i, s);
+    if (!Inv) {
+        const double s04 = x[0] + x[4], d04 = x[0] - x[4], s26 = x[2] + x[6], d26 = x[2] - x[6];
+        const double s15 = x[1] + x[5], d15 = x[1] - x[5], s37 = x[3] + x[7], d37 = x[3] - x[7];
+        const double e = s04 + s26, o = s15 + s37;
+        const double c = (d15 - d37) * kHalfRoot2, d = (d15 + d37) * -kHalfRoot2;
+        dst[0] = e + o;
+        dst[1] = e - o;
+        dst[2] = d04 + c;
+        dst[3] = d - d26;
+        dst[4] = s04 - s26;
+        dst[5] = s37 - s15;
+        dst[6] = d04 - c;
+        dst[7] = d26 + d;
+    } else {
+        const double r0 = x[0], r4 = x[1], r1 = x[2], i1 = x[3], r2 = x[4], i2 = x[5], r3 = x[6], i3 = x[7];
+        const double s04 = r0 + r4, d04 = r0 - r4;
+        const double e = s04 + (r2 + r2), f = s04 - (r2 + r2);
+        const double g = (r1 + r3) + (r1 + r3), h = (i1 - i3) + (i1 - i3);
+        const double u = r1 - r3, v = i1 + i3;
+        const double c = (u - v) * kRoot2, d = (u + v) * -kRoot2;
+        const double lo = d04 - (i2 + i2), hi = d04 + (i2 + i2);
+        dst[0] = e + g;
+        dst[4] = e - g;
+        dst[2] = f - h;
+        dst[6] = f + h;
+        dst[1] = lo + c;
+        dst[5] = lo - c;
+        dst[3] = hi + d;
+        dst[7] = hi - d;
+    }
+}
+
+/* ---- the recombination, order 4 and up ------------------------------------ */
+
+#if OMN_COLUMN_INDEX <= 1
+constexpr bool kLoopThroughMiddle = false;
+/* Entry k as the pair (first, second). */
+inline void entry(const double* t, size_t k, double& first, double& second)
+{
+    first = t[2 * k];
+    second = t[2 * k + 1];
+}
+#else
+constexpr bool kLoopThroughMiddle = true;
+inline void entry(const double* t, size_t k, double& first, double& second)
+{
+    const size_t g = (k - 1) >> 1, lane = (k - 1) & 1;
+    first = t[4 * g + lane];
+    second = t[4 * g + 2 + lane];
+}
+#endif
+
+/* Z (the core's spectrum, in d) to Perm, in place. */
+void recombineForward(double* d, size_t m, const double* t)
+{
+    const double p = d[0], q = d[1];
+    d[0] = p + q;
+    d[1] = p - q;
+    const size_t last = kLoopThroughMiddle ? m / 2 : m / 2 - 1;
+    for (size_t k = 1; k <= last; ++k) {
+        const size_t j = m - k;
+        double A, B;
+        entry(t, k, A, B);
+        const double a = d[2 * k], c = d[2 * k + 1], b = d[2 * j], e = d[2 * j + 1];
+        const double amb = a - b, cpe = c + e;
+        const double P = B * amb + A * cpe;
+        const double Q = B * cpe - A * amb;
+        d[2 * k] = b + P;
+        d[2 * k + 1] = Q - e;
+        d[2 * j] = a - P;
+        d[2 * j + 1] = Q - c;
+    }
+    if (!kLoopThroughMiddle)
+        d[m + 1] = -d[m + 1];
+}
+
+/* Perm in s to the Z of the inverse core in d (s may equal d). */
+void recombineInverse(const double* s, double* d, size_t m, const double* t)
+{
+    const double p = s[0], q = s[1];
+    d[0] = p + q;
+    d[1] = p - q;
+    const size_t last = kLoopThroughMiddle ? m / 2 : m / 2 - 1;
+    for (size_t k = 1; k <= last; ++k) {
+        const size_t j = m - k;
+        double C, S;
+        entry(t, k, C, S);
+        const double a = s[2 * k], c = s[2 * k + 1], b = s[2 * j], e = s[2 * j + 1];
+        const double amb = a - b, cpe = c + e, apb = a + b, cme = c - e;
+        const double P = S * amb - C * cpe;
+        const double Q = amb * C + cpe * S;
+        d[2 * k] = apb + P;
+        d[2 * k + 1] = cme + Q;
+        d[2 * j] = apb - P;
+        d[2 * j + 1] = Q - cme;
+    }
+    if (!kLoopThroughMiddle) {
+        const double re = s[m], im = s[m + 1];
+        d[m] = 2.0 * re;
+        d[m + 1] = -2.0 * im;
+    }
+}
+
+/* Perm to Pack in place: R(N/2) goes from the second place to the last. */
+void permToPack(double* d, size_t n)
+{
+    if (n <= 2)
+        return;
+    const double nyq = d[1];
+    memmove(d + 1, d + 2, (n - 2) * sizeof(double));
+    d[n - 1] = nyq;
+}
+
+/* Pack in s to Perm in d, from the top down so that s may equal d. */
+void packToPerm(const double* s, double* d, size_t n)
+{
+    if (n <= 2) {
+        if (s != d)
+            memcpy(d, s, n * sizeof(double));
+        return;
+    }
+    const double nyq = s[n - 1];
+    for (size_t i = n - 2; i >= 1; --i)
+        d[i + 1] = s[i];
+    d[1] = nyq;
+    d[0] = s[0];
+}
+
+OmnStatus checkSpec(const double* pSrc, const double* pDst, const OmnRealFftSpec* spec)
+{
+    if (spec == nullptr)
+        return omnStatusNullPointer;
+    if (spec->id != kOmnRealFftSpecId)
+        return omnStatusContextMismatch;
+    if (pSrc == nullptr || pDst == nullptr)
+        return omnStatusNullPointer;
+    return omnStatusOk;
+}
+
+OmnStatus forward(const double* pSrc, double* pDst, const OmnRealFftSpec* spec, Omn8u* pBuf, bool pack)
+{
+    if (const OmnStatus st = checkSpec(pSrc, pDst, spec))
+        return st;
+    const int order = spec->order;
+    const size_t n = size_t(1) << order;
+    const bool scaled = spec->scaleFwd != 0;
+    if (order < 4) {
+        kRealSmall[0][scaled][order](pSrc, pDst, spec->scale);
+    } else {
+        void* own;
+        double* work;
+        if (const OmnStatus st = acquireWork(spec, pBuf, &work, &own))
+            return st;
+        transform(reinterpret_cast<const Omn64fc*>(pSrc), reinterpret_cast<Omn64fc*>(pDst), spec, order - 1, false,
+                  scaled, work);
+        common::omnsFree(own);
+        recombineForward(pDst, n / 2, static_cast<const double*>(spec->recombFwd));
+    }
+    if (pack)
+        permToPack(pDst, n);
+    return omnStatusOk;
+}
+
+OmnStatus inverse(const double* pSrc, double* pDst, const OmnRealFftSpec* spec, Omn8u* pBuf, bool pack)
+{
+    if (const OmnStatus st = checkSpec(pSrc, pDst, spec))
+        return st;
+    const int order = spec->order;
+    const size_t n = size_t(1) << order;
+    const bool scaled = spec->scaleInv != 0;
+    /* Work memory first: a failed allocation leaves dst unwritten. */
+    void* own = nullptr;
+    double* work = nullptr;
+    if (order >= 4) {
+        if (const OmnStatus st = acquireWork(spec, pBuf, &work, &own))
+            return st;
+    }
+    const double* src = pSrc;
+    if (pack) {
+        packToPerm(pSrc, pDst, n);
+        src = pDst;
+    }
+    if (order < 4) {
+        kRealSmall[1][scaled][order](src, pDst, spec->scale);
+        return omnStatusOk;
+    }
+    recombineInverse(src, pDst, n / 2, static_cast<const double*>(spec->recombInv));
+    Omn64fc* z = reinterpret_cast<Omn64fc*>(pDst);
+    transform(z, z, spec, order - 1, true, scaled, work);
+    common::omnsFree(own);
+    return omnStatusOk;
+}
+
+} // namespace
+
+const RealSmallFn kRealSmall[2][2][4] = {
+    { { real0<false, false>, real1<false, false>, real2<false, false>, real3<false, false> },
+      { real0<false, true>, real1<false, true>, real2<false, true>, real3<false, true> } },
+    { { real0<true, false>, real1<true, false>, real2<true, false>, real3<true, false> },
+      { real0<true, true>, real1<true, true>, real2<true, true>, real3<true, true> } },
+};
+
+} // namespace fft
+
+OmnStatus omnsRealFftFwdPerm_64f(const Omn64f* pSrc, Omn64f* pDst, const OmnRealFftSpec* pSpec, Omn8u* pBuf)
+{
+    return fft::forward(pSrc, pDst, pSpec, pBuf, false);
+}
+
+OmnStatus omnsRealFftFwdPack_64f(const Omn64f* pSrc, Omn64f* pDst, const OmnRealFftSpec* pSpec, Omn8u* pBuf)
+{
+    return fft::forward(pSrc, pDst, pSpec, pBuf, true);
+}
+
+OmnStatus omnsRealFftInvPerm_64f(const Omn64f* pSrc, Omn64f* pDst, const OmnRealFftSpec* pSpec, Omn8u* pBuf)
+{
+    return fft::inverse(pSrc, pDst, pSpec, pBuf, false);
+}
+
+OmnStatus omnsRealFftInvPack_64f(const Omn64f* pSrc, Omn64f* pDst, const OmnRealFftSpec* pSpec, Omn8u* pBuf)
+{
+    return fft::inverse(pSrc, pDst, pSpec, pBuf, true);
+}
+
+OMN_COLUMN_END
