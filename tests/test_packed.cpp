@@ -213,7 +213,7 @@ TEST_P(PackedTest, CcsInPlaceWritesOnlyTheUpperHalf)
 TEST_P(PackedTest, SmallLengthsTouchOnlyTheirElements)
 {
     // Perm and Pack coincide for len 1 and 2; len 1 writes dst[0] only and
-    // len 2 dst[0] and dst[1], all with imaginary part 0.
+    // len 2 dst[0] and dst[1], all with a zero imaginary part.
     const double p[2] = { 3.0, -4.0 };
     for (int len : { 1, 2 }) {
         for (auto fn : { test::omnsConjPack_64fc, test::omnsConjPerm_64fc }) {
