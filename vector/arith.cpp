@@ -12,6 +12,7 @@
  * pSrc2 - pSrc1, and the in-place Sub stores pSrcDst - pSrc.
  */
 #include "core/column.h"
+#include "core/checks.h"
 #include "vector/elementwise.h"
 
 #include <limits.h>
@@ -120,10 +121,8 @@ inline size_t doubles(int len) { return static_cast<size_t>(len) * (sizeof(T) / 
 template <class Op, typename T>
 OmnStatus binary(const Op& op, const T* pSrc1, const T* pSrc2, T* pDst, int len)
 {
-    if (pSrc1 == nullptr || pSrc2 == nullptr || pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc1, pSrc2, pDst))
+        return st;
     const double* in[2] = { dp(pSrc1), dp(pSrc2) };
     ew::run(op, in, dp(pDst), doubles<Op, T>(len));
     return omnStatusOk;
@@ -132,10 +131,8 @@ OmnStatus binary(const Op& op, const T* pSrc1, const T* pSrc2, T* pDst, int len)
 template <class Op, typename T>
 OmnStatus binaryInPlace(const Op& op, const T* pSrc, T* pSrcDst, int len)
 {
-    if (pSrc == nullptr || pSrcDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pSrcDst))
+        return st;
     const double* in[2] = { dp(pSrc), dp(pSrcDst) };
     ew::run(op, in, dp(pSrcDst), doubles<Op, T>(len));
     return omnStatusOk;
@@ -144,10 +141,8 @@ OmnStatus binaryInPlace(const Op& op, const T* pSrc, T* pSrcDst, int len)
 template <class Op, typename T>
 OmnStatus unary(const Op& op, const T* pSrc, T* pDst, int len)
 {
-    if (pSrc == nullptr || pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     const double* in[1] = { dp(pSrc) };
     ew::run(op, in, dp(pDst), doubles<Op, T>(len));
     return omnStatusOk;
@@ -156,10 +151,8 @@ OmnStatus unary(const Op& op, const T* pSrc, T* pDst, int len)
 template <class Op, typename T>
 OmnStatus unaryInPlace(const Op& op, T* pSrcDst, int len)
 {
-    if (pSrcDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrcDst))
+        return st;
     const double* in[1] = { dp(pSrcDst) };
     ew::run(op, in, dp(pSrcDst), doubles<Op, T>(len));
     return omnStatusOk;
@@ -245,20 +238,16 @@ OmnStatus omnsMul_64fc_I(const Omn64fc* pSrc, Omn64fc* pSrcDst, int len)
 
 OmnStatus omnsAddProduct_64f(const Omn64f* pSrc1, const Omn64f* pSrc2, Omn64f* pSrcDst, int len)
 {
-    if (pSrc1 == nullptr || pSrc2 == nullptr || pSrcDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc1, pSrc2, pSrcDst))
+        return st;
     const double* in[3] = { pSrc1, pSrc2, pSrcDst };
     ew::run(AddProductOp{}, in, pSrcDst, static_cast<size_t>(len));
     return omnStatusOk;
 }
 OmnStatus omnsAddProduct_64fc(const Omn64fc* pSrc1, const Omn64fc* pSrc2, Omn64fc* pSrcDst, int len)
 {
-    if (pSrc1 == nullptr || pSrc2 == nullptr || pSrcDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc1, pSrc2, pSrcDst))
+        return st;
     const double* in[3] = { dp(pSrc1), dp(pSrc2), dp(pSrcDst) };
     ew::run(CAddProductOp{}, in, dp(pSrcDst), 2 * static_cast<size_t>(len));
     return omnStatusOk;
@@ -268,40 +257,32 @@ OmnStatus omnsAddProduct_64fc(const Omn64fc* pSrc1, const Omn64fc* pSrc2, Omn64f
 
 OmnStatus omnsAddC_64f(const Omn64f* pSrc, Omn64f val, Omn64f* pDst, int len)
 {
-    if (pSrc == nullptr || pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     if (sameAs(val, 0.0))
         return OMN_COL::omnsCopy_64f(pSrc, pDst, len);
     return unary(AddCOp<1>{ val, pd::set1(val) }, pSrc, pDst, len);
 }
 OmnStatus omnsAddC_64f_I(Omn64f val, Omn64f* pSrcDst, int len)
 {
-    if (pSrcDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrcDst))
+        return st;
     if (sameAs(val, 0.0))
         return omnStatusOk;
     return unaryInPlace(AddCOp<1>{ val, pd::set1(val) }, pSrcDst, len);
 }
 OmnStatus omnsSubC_64f(const Omn64f* pSrc, Omn64f val, Omn64f* pDst, int len)
 {
-    if (pSrc == nullptr || pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     if (sameAs(val, 0.0))
         return OMN_COL::omnsCopy_64f(pSrc, pDst, len);
     return unary(SubCOp<1>{ val, pd::set1(val) }, pSrc, pDst, len);
 }
 OmnStatus omnsSubC_64f_I(Omn64f val, Omn64f* pSrcDst, int len)
 {
-    if (pSrcDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrcDst))
+        return st;
     if (sameAs(val, 0.0))
         return omnStatusOk;
     return unaryInPlace(SubCOp<1>{ val, pd::set1(val) }, pSrcDst, len);
@@ -319,10 +300,8 @@ OmnStatus omnsSubCRev_64f_I(Omn64f val, Omn64f* pSrcDst, int len)
    zeros without reading the source. */
 OmnStatus omnsMulC_64f(const Omn64f* pSrc, Omn64f val, Omn64f* pDst, int len)
 {
-    if (pSrc == nullptr || pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     if (sameAs(val, 1.0))
         return OMN_COL::omnsCopy_64f(pSrc, pDst, len);
     if (sameAs(val, 0.0))
@@ -331,10 +310,8 @@ OmnStatus omnsMulC_64f(const Omn64f* pSrc, Omn64f val, Omn64f* pDst, int len)
 }
 OmnStatus omnsMulC_64f_I(Omn64f val, Omn64f* pSrcDst, int len)
 {
-    if (pSrcDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrcDst))
+        return st;
     if (sameAs(val, 1.0))
         return omnStatusOk;
     if (sameAs(val, 0.0))

@@ -156,10 +156,8 @@ OmnStatus omnsCplxToReal_64fc(const Omn64fc* pSrc, Omn64f* pDstRe, Omn64f* pDstI
    which one may be missing. */
 OmnStatus omnsRealToCplx_64f(const Omn64f* pSrcRe, const Omn64f* pSrcIm, Omn64fc* pDst, int len)
 {
-    if (pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pDst))
+        return st;
     if (pSrcRe == nullptr && pSrcIm == nullptr)
         return omnStatusNullPointer;
     joinKernel(pSrcRe, pSrcIm, parts(pDst), count(len));

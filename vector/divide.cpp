@@ -15,6 +15,7 @@
  * column, so its results differ from true division in the last place.
  */
 #include "core/column.h"
+#include "core/checks.h"
 #include "vector/f64x2.h"
 
 #include <stdint.h>
@@ -293,47 +294,37 @@ inline bool unusableDivisor(double m) { return !(m < 0) && !(m > 0); }
 
 OmnStatus omnsDiv_64f(const Omn64f* pSrc1, const Omn64f* pSrc2, Omn64f* pDst, int len)
 {
-    if (pSrc1 == nullptr || pSrc2 == nullptr || pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc1, pSrc2, pDst))
+        return st;
     return divideReal(pSrc2, pSrc1, pDst, static_cast<size_t>(len)) ? omnStatusDivZeroValues : omnStatusOk;
 }
 
 OmnStatus omnsDiv_64fc(const Omn64fc* pSrc1, const Omn64fc* pSrc2, Omn64fc* pDst, int len)
 {
-    if (pSrc1 == nullptr || pSrc2 == nullptr || pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc1, pSrc2, pDst))
+        return st;
     return divideComplex(dp(pSrc2), dp(pSrc1), dp(pDst), static_cast<size_t>(len)) ? omnStatusDivZeroValues
                                                                                    : omnStatusOk;
 }
 
 OmnStatus omnsDiv_64f_I(const Omn64f* pSrc, Omn64f* pSrcDst, int len)
 {
-    if (pSrc == nullptr || pSrcDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pSrcDst))
+        return st;
     return OMN_COL::omnsDiv_64f(pSrc, pSrcDst, pSrcDst, len);
 }
 
 OmnStatus omnsDiv_64fc_I(const Omn64fc* pSrc, Omn64fc* pSrcDst, int len)
 {
-    if (pSrc == nullptr || pSrcDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pSrcDst))
+        return st;
     return OMN_COL::omnsDiv_64fc(pSrc, pSrcDst, pSrcDst, len);
 }
 
 OmnStatus omnsDivC_64f(const Omn64f* pSrc, Omn64f val, Omn64f* pDst, int len)
 {
-    if (pSrc == nullptr || pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     if (unusableDivisor(val))
         return omnStatusDivideByZero;
     return OMN_COL::omnsMulC_64f(pSrc, 1 / val, pDst, len);
@@ -341,10 +332,8 @@ OmnStatus omnsDivC_64f(const Omn64f* pSrc, Omn64f val, Omn64f* pDst, int len)
 
 OmnStatus omnsDivC_64f_I(Omn64f val, Omn64f* pSrcDst, int len)
 {
-    if (pSrcDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrcDst))
+        return st;
     if (unusableDivisor(val))
         return omnStatusDivideByZero;
     return OMN_COL::omnsMulC_64f_I(1 / val, pSrcDst, len);
@@ -359,10 +348,8 @@ static inline Omn64fc reciprocalConstant(Omn64fc val, double m)
 
 OmnStatus omnsDivC_64fc(const Omn64fc* pSrc, Omn64fc val, Omn64fc* pDst, int len)
 {
-    if (pSrc == nullptr || pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     const double m = val.re * val.re + val.im * val.im;
     if (unusableDivisor(m))
         return omnStatusDivideByZero;
@@ -371,10 +358,8 @@ OmnStatus omnsDivC_64fc(const Omn64fc* pSrc, Omn64fc val, Omn64fc* pDst, int len
 
 OmnStatus omnsDivC_64fc_I(Omn64fc val, Omn64fc* pSrcDst, int len)
 {
-    if (pSrcDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrcDst))
+        return st;
     const double m = val.re * val.re + val.im * val.im;
     if (unusableDivisor(m))
         return omnStatusDivideByZero;

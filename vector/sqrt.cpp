@@ -36,6 +36,7 @@
  * units in the last place.
  */
 #include "core/column.h"
+#include "core/checks.h"
 #include "core/cpu.h"
 #include "vector/f64x2.h"
 
@@ -388,38 +389,30 @@ inline void complexRoots(const double* src, double* dst, size_t n)
 
 OmnStatus omnsSqrt_64f(const Omn64f* pSrc, Omn64f* pDst, int len)
 {
-    if (pSrc == nullptr || pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     return roots(pSrc, pDst, static_cast<size_t>(len), false) ? omnStatusSqrtNegative : omnStatusOk;
 }
 
 OmnStatus omnsSqrt_64f_I(Omn64f* pSrcDst, int len)
 {
-    if (pSrcDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrcDst))
+        return st;
     return roots(pSrcDst, pSrcDst, static_cast<size_t>(len), true) ? omnStatusSqrtNegative : omnStatusOk;
 }
 
 OmnStatus omnsSqrt_64fc(const Omn64fc* pSrc, Omn64fc* pDst, int len)
 {
-    if (pSrc == nullptr || pDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrc, pDst))
+        return st;
     complexRoots(reinterpret_cast<const double*>(pSrc), reinterpret_cast<double*>(pDst), static_cast<size_t>(len));
     return omnStatusOk;
 }
 
 OmnStatus omnsSqrt_64fc_I(Omn64fc* pSrcDst, int len)
 {
-    if (pSrcDst == nullptr)
-        return omnStatusNullPointer;
-    if (len < 1)
-        return omnStatusBadSize;
+    if (const OmnStatus st = checkArgs(len, pSrcDst))
+        return st;
     complexRoots(reinterpret_cast<const double*>(pSrcDst), reinterpret_cast<double*>(pSrcDst), static_cast<size_t>(len));
     return omnStatusOk;
 }
