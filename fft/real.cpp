@@ -12,11 +12,9 @@
  * inverse scale likewise by the core, after it.  So the scale costs no sweep
  * of its own in either direction.
  *
- * Column point: px/a6 tables hold entry k at pair k and the loop stops
- * below M/2, the middle term being a negation; w7/t7 tables hold two
- * neighbours per group from k = 1, and their loop runs through k = M/2,
- * where the closing table entry (A = B = 0, and cos = 0, -sin = -1) makes
- * the general step produce the middle term.
+ * The tables hold two neighbours per group from k = 1, and the loop runs
+ * through k = M/2, where the closing table entry (A = B = 0, and cos = 0,
+ * -sin = -1) makes the general step produce the middle term.
  */
 #include "core/column.h"
 
@@ -122,23 +120,13 @@ void real3(const double* src, double* dst, double s)
 
 /* ---- the recombination, order 4 and up ------------------------------------ */
 
-#if OMN_COLUMN_INDEX <= 1
-constexpr bool kLoopThroughMiddle = false;
-/* Entry k as the pair (first, second). */
-inline void entry(const double* t, size_t k, double& first, double& second)
-{
-    first = t[2 * k];
-    second = t[2 * k + 1];
-}
-#else
-constexpr bool kLoopThroughMiddle = true;
+/* Entry k (1 to M/2) as the pair (first, second). */
 inline void entry(const double* t, size_t k, double& first, double& second)
 {
     const size_t g = (k - 1) >> 1, lane = (k - 1) & 1;
     first = t[4 * g + lane];
     second = t[4 * g + 2 + lane];
 }
-#endif
 
 /* Z (the core's spectrum, in d) to Perm, in place. */
 void recombineForward(double* d, size_t m, const double* t)
@@ -146,8 +134,7 @@ void recombineForward(double* d, size_t m, const double* t)
     const double p = d[0], q = d[1];
     d[0] = p + q;
     d[1] = p - q;
-    const size_t last = kLoopThroughMiddle ? m / 2 : m / 2 - 1;
-    for (size_t k = 1; k <= last; ++k) {
+    for (size_t k = 1; k <= m / 2; ++k) {
         const size_t j = m - k;
         double A, B;
         entry(t, k, A, B);
@@ -160,8 +147,6 @@ void recombineForward(double* d, size_t m, const double* t)
         d[2 * j] = a - P;
         d[2 * j + 1] = Q - c;
     }
-    if (!kLoopThroughMiddle)
-        d[m + 1] = -d[m + 1];
 }
 
 /* Perm in s to the Z of the inverse core in d (s may equal d). */
@@ -170,8 +155,7 @@ void recombineInverse(const double* s, double* d, size_t m, const double* t)
     const double p = s[0], q = s[1];
     d[0] = p + q;
     d[1] = p - q;
-    const size_t last = kLoopThroughMiddle ? m / 2 : m / 2 - 1;
-    for (size_t k = 1; k <= last; ++k) {
+    for (size_t k = 1; k <= m / 2; ++k) {
         const size_t j = m - k;
         double C, S;
         entry(t, k, C, S);
@@ -183,11 +167,6 @@ void recombineInverse(const double* s, double* d, size_t m, const double* t)
         d[2 * k + 1] = cme + Q;
         d[2 * j] = apb - P;
         d[2 * j + 1] = Q - cme;
-    }
-    if (!kLoopThroughMiddle) {
-        const double re = s[m], im = s[m + 1];
-        d[m] = 2.0 * re;
-        d[m + 1] = -2.0 * im;
     }
 }
 

@@ -7,9 +7,10 @@
  * twiddles W(n)^e = e^(-2 pi i e / n); the inverse kernels conjugate in
  * their arithmetic.
  *
- * px/a6 and w7/t7 build different layouts of the same values: px/a6 one
- * table per order read at a stride, w7/t7 tables laid out in the order
- * their passes read them, two neighbouring twiddles side by side.
+ * Every column builds the same layouts, laid out in the order the
+ * pair-split passes read them, two neighbouring twiddles side by side; the
+ * columns differ only in how a table value is negated (tableNeg) and in
+ * the bufSize they report.
  *
  * Sizes are formed in 64 bits and refused from 2^31 bytes up, which is what
  * a signed 32-bit byte count allows: very large orders end in -9.
@@ -24,8 +25,6 @@
 
 OMN_COLUMN_BEGIN
 namespace fft {
-
-void permuteInPlaceInterleaved(double* d, int k, const Omn32s* bitRev);
 
 namespace {
 
@@ -61,9 +60,8 @@ inline Cx quadrant(int64_t e, int k, const double* s, int sineOrder)
     return { S(e - 3 * q), S(4 * q - e) };
 }
 
-/* Bit reversal of the middle k - 2 bits, by the carry walk.  px/a6 keep
-   the swap list (pairs, a zero, the self-reversed values falling, a zero);
-   w7/t7 keep 2 rev(i) at entry i, which their first pass reads in order. */
+/* Bit reversal of the middle k - 2 bits, by the carry walk: 2 rev(i) at
+   entry i, which the first pass reads in order. */
 Omn32s* makeBitRev(int k)
 {
     const int64_t n4 = k < 2 ? 0 : (int64_t(1) << k) / 4;
@@ -73,7 +71,7 @@ Omn32s* makeBitRev(int k)
     t[0] = 0;
     if (n4 == 0)
         return t;
-    int64_t front = 0, back = n4 - 1, j = 0;
+    int64_t j = 0;
     for (int64_t i = 1; i < n4; ++i) {
         int64_t b = n4 / 2;
         while (b > 0 && b <= j) {
@@ -81,43 +79,19 @@ Omn32s* makeBitRev(int k)
             b >>= 1;
         }
         j += b;
-        if (kPairSplit) {
-            t[i] = static_cast<Omn32s>(2 * j);
-        } else if (i < j) {
-            t[front++] = static_cast<Omn32s>(4 * i);
-            t[front++] = static_cast<Omn32s>(4 * j);
-        } else if (i == j) {
-            t[back--] = static_cast<Omn32s>(4 * i);
-        }
+        t[i] = static_cast<Omn32s>(2 * j);
     }
-    if (!kPairSplit)
-        t[front] = 0;
     t[n4] = 0;
     return t;
 }
 
-/* Butterfly table of order k.
-   px/a6: N/4 + 1 entries of W^t, W^2t, W^3t (re, im each); a pass of span L
-   reads every N/L-th entry.
-   w7/t7: 16 N bytes of sections of orders 4 + k % 2, +2, ... k, one per
-   radix-4 pass; a section of order s holds, for t = 0, 2, 4 ... below 2^s/4,
-   re1 re1' im1 im1' re2 re2' im2 im2' re3 re3' im3 im3' of t and t + 1. */
+/* Butterfly table of order k: 16 N bytes of sections of orders 4 + k % 2,
+   +2, ... k, one per radix-4 pass; a section of order s holds, for t = 0,
+   2, 4 ... below 2^s/4, re1 re1' im1 im1' re2 re2' im2 im2' re3 re3' im3
+   im3' of t and t + 1. */
 double* makeButterfly(int k, const double* sine, int sineOrder)
 {
     const int64_t n = int64_t(1) << k;
-    if (!kPairSplit) {
-        const int64_t n4 = n / 4;
-        double* t = allocTable<double>(48 * (n4 + 1));
-        if (t == nullptr)
-            return nullptr;
-        for (int64_t e = 0; e <= n4; ++e)
-            for (int p = 1; p <= 3; ++p) {
-                const Cx w = quadrant(p * e, k, sine, sineOrder);
-                t[6 * e + 2 * (p - 1)] = w.re;
-                t[6 * e + 2 * (p - 1) + 1] = w.im;
-            }
-        return t;
-    }
     double* t = allocTable<double>(n < 9 ? 16 : 16 * n);
     if (t == nullptr)
         return nullptr;
@@ -142,63 +116,13 @@ double* makeButterfly(int k, const double* sine, int sineOrder)
     return t;
 }
 
-/* px/a6: quarter circle W(N)^t, t below N/4, for the radix-2 top passes. */
-double* makeQuad(int k, const double* sine, int sineOrder)
-{
-    const int64_t n4 = (int64_t(1) << k) / 4;
-    double* t = allocTable<double>(n4 < 1 ? 16 : 16 * n4);
-    if (t == nullptr)
-        return nullptr;
-    for (int64_t e = 0; e < n4; ++e) {
-        const Cx w = quadrant(e, k, sine, sineOrder);
-        t[2 * e] = w.re;
-        t[2 * e + 1] = w.im;
-    }
-    return t;
-}
-
 void raiseBufSize(OmnFftSpecRecord* spec, int64_t bytes)
 {
     if (spec->bufSize < bytes)
         spec->bufSize = static_cast<Omn32s>(bytes);
 }
 
-/* px/a6 cross table of level l (order k, outer order r): R rows of C
-   columns, by groups of four columns: for each row p, W(N)^(g q) for the
-   four columns g of the group, q the bit reversal of p.  Each column's R
-   values are made in natural row order and bit-reversed in place with the
-   engine's own permutation; that scratch (64 << r bytes) is the size a
-   transform later needs for its column buffer. */
-OmnStatus makeCrossPx(OmnFftSpecRecord* spec, int l, int k, int r, const double* sine, int sineOrder)
-{
-    const int64_t rows = int64_t(1) << r, cols = int64_t(1) << (k - r);
-    Cx* table = allocTable<Cx>(16 * (rows * cols));
-    if (table == nullptr)
-        return omnStatusNoMemory;
-    spec->levelCross[l] = table;
-    Cx* tmp = allocTable<Cx>(64 * rows);
-    Omn32s* rev = tmp != nullptr ? makeBitRev(r) : nullptr;
-    if (rev == nullptr) {
-        common::omnsFree(tmp);
-        return omnStatusNoMemory;
-    }
-    for (int64_t j = 0; j < cols; j += 4) {
-        for (int g = 0; g < 4; ++g) {
-            for (int64_t p = 0; p < rows; ++p)
-                tmp[g * rows + p] = quadrant((j + g) * p, k, sine, sineOrder);
-            permuteInPlaceInterleaved(reinterpret_cast<double*>(tmp + g * rows), r, rev);
-        }
-        for (int64_t p = 0; p < rows; ++p)
-            for (int g = 0; g < 4; ++g)
-                table[j * rows + 4 * p + g] = tmp[g * rows + p];
-    }
-    common::omnsFree(rev);
-    common::omnsFree(tmp);
-    raiseBufSize(spec, 64 * rows);
-    return omnStatusOk;
-}
-
-/* w7/t7 cross table of level l: the twiddles of the level's outer passes in
+/* Cross table of level l: the twiddles of the level's outer passes in
    the order the tiles read them.  For each tile (T columns from a), each
    radix-4 pass of span order v, each row offset b within a quarter, each
    column pair u: for the powers 1, 2, 3, re re' im im' of W(2^v)^(p x) and
@@ -245,31 +169,7 @@ OmnStatus makeCrossPairSplit(OmnFftSpecRecord* spec, int l, int k, int r, int ti
     return omnStatusOk;
 }
 
-/* px/a6 blocked tables of a level (core order k of 10 and up). */
-OmnStatus buildLevelsPx(OmnFftSpecRecord* spec, int k, int l, const double* sine, int sineOrder)
-{
-    const int r = kSplit[k];
-    const int c = k - r;
-    const int radix2 = r == 0 ? k : (c > kPxLeafOrder && kSplit[c] == 0 ? c : 0);
-    if (radix2 != 0) {
-        if ((spec->quadTwiddle = makeQuad(radix2, sine, sineOrder)) == nullptr)
-            return omnStatusNoMemory;
-        if ((spec->leafTwiddle = makeButterfly(kPxLeafOrder, sine, sineOrder)) == nullptr)
-            return omnStatusNoMemory;
-        if (r == 0)
-            return omnStatusOk;
-    } else if (c <= kPxLeafOrder) {
-        if ((spec->leafTwiddle = makeButterfly(c, sine, sineOrder)) == nullptr)
-            return omnStatusNoMemory;
-    } else if (const OmnStatus st = buildLevelsPx(spec, c, l + 1, sine, sineOrder)) {
-        return st;
-    }
-    if ((spec->levelTwiddle[l] = makeButterfly(r, sine, sineOrder)) == nullptr)
-        return omnStatusNoMemory;
-    return makeCrossPx(spec, l, k, r, sine, sineOrder);
-}
-
-/* w7/t7 blocked tables: the leaf table at the bottom of the recursion, then
+/* Blocked tables: the leaf table at the bottom of the recursion, then
    each level's cross table. */
 OmnStatus buildLevelsPairSplit(OmnFftSpecRecord* spec, int k, int l, const double* sine, int sineOrder)
 {
@@ -284,24 +184,56 @@ OmnStatus buildLevelsPairSplit(OmnFftSpecRecord* spec, int k, int l, const doubl
     return makeCrossPairSplit(spec, l, k, r, kTile[k], sine, sineOrder);
 }
 
+#if OMN_COLUMN_INDEX <= 1
+/* px/a6 report the largest column buffer of their levels, 64 << outer
+   order bytes, with outer orders by kReportSplit; the radix-2 orders 10
+   and 11 have none, and order 9 and below report nothing at all. */
+constexpr int64_t reportedScratch(int k)
+{
+    const int r = kReportSplit[k];
+    if (r == 0)
+        return 0;
+    const int64_t inner = k - r > 9 ? reportedScratch(k - r) : 0;
+    return (int64_t(64) << r) > inner ? int64_t(64) << r : inner;
+}
+
+/* The largest tile of the levels the kernel runs at order k. */
+constexpr int runTile(int k)
+{
+    if (k <= kDirectLimit)
+        return 0;
+    const int inner = runTile(k - kSplit[k]);
+    return kTile[k] > inner ? kTile[k] : inner;
+}
+
+constexpr bool tilesFitTheReportedBuffer()
+{
+    for (int k = kDirectLimit + 1; k <= 30; ++k)
+        if ((int64_t(16) << runTile(k)) > reportedScratch(k))
+            return false;
+    return true;
+}
+static_assert(tilesFitTheReportedBuffer(), "a tile would outgrow the work memory px/a6 report");
+#endif
+
 OmnStatus buildByColumn(OmnFftSpecRecord* spec, int k, const double* sine, int sineOrder)
 {
     if (k <= kDirectLimit) {
         if ((spec->leafTwiddle = makeButterfly(k, sine, sineOrder)) == nullptr)
             return omnStatusNoMemory;
-        /* w7/t7: room for the whole transform when it can't run in dst. */
-        spec->bufSize = kPairSplit ? (16 << k) + 16 : 0;
-        return omnStatusOk;
+    } else {
+        spec->bufSize = 0;
+        if (const OmnStatus st = buildLevelsPairSplit(spec, k, 0, sine, sineOrder))
+            return st;
     }
-    spec->bufSize = 0;
-    if (!kPairSplit) {
-        const OmnStatus st = buildLevelsPx(spec, k, 0, sine, sineOrder);
-        spec->bufSize += 16;
-        return st;
-    }
-    const OmnStatus st = buildLevelsPairSplit(spec, k, 0, sine, sineOrder);
-    spec->bufSize += kLeafRoom;
-    return st;
+#if OMN_COLUMN_INDEX <= 1
+    spec->bufSize = k < 10 ? 0 : static_cast<Omn32s>(reportedScratch(k) + 16);
+#else
+    /* w7/t7: room for the whole transform when it can't run in dst; above
+       the direct limit the largest tile and one leaf transform. */
+    spec->bufSize = k <= kDirectLimit ? (16 << k) + 16 : spec->bufSize + kLeafRoom;
+#endif
+    return omnStatusOk;
 }
 
 } // namespace
@@ -340,10 +272,9 @@ OmnStatus buildComplexTables(OmnFftSpecRecord* spec, int k, const double* sine, 
 
 /* Recombination of a real transform of N = 2^m points, for k below N/4:
    forward A = cos(theta) / 2, B = (1 - sin(theta)) / 2; inverse cos(theta),
-   -sin(theta); theta = 2 pi k / N.  px/a6 store the pairs in order; w7/t7
-   from k = 1, two neighbours at a time (first k, first k+1, second k,
-   second k+1), so that the last group, k = N/4 - 1 and N/4, closes the
-   table. */
+   -sin(theta); theta = 2 pi k / N.  From k = 1, two neighbours at a time
+   (first k, first k+1, second k, second k+1), so that the last group,
+   k = N/4 - 1 and N/4, closes the table. */
 OmnStatus buildRecombTables(OmnFftSpecRecord* spec, int m, const double* s)
 {
     const int64_t n4 = (int64_t(1) << m) / 4;
@@ -358,15 +289,6 @@ OmnStatus buildRecombTables(OmnFftSpecRecord* spec, int m, const double* s)
         return omnStatusNoMemory;
     auto fwd = [&](int64_t k) { return Cx{ s[n4 - k] * 0.5, s[k] * -0.5 + 0.5 }; };
     auto inv = [&](int64_t k) { return Cx{ s[n4 - k], tableNeg(s[k]) }; };
-    if (!kPairSplit) {
-        for (int64_t k = 0; k < n4; ++k) {
-            f[2 * k] = fwd(k).re;
-            f[2 * k + 1] = fwd(k).im;
-            v[2 * k] = inv(k).re;
-            v[2 * k + 1] = inv(k).im;
-        }
-        return omnStatusOk;
-    }
     for (int64_t k = 1, o = 0; k < n4; k += 2, o += 4) {
         const Cx f0 = fwd(k), f1 = fwd(k + 1), v0 = inv(k), v1 = inv(k + 1);
         f[o] = f0.re;

@@ -394,72 +394,51 @@ TEST_P(FftTest, BufSizeByOrderAndColumn)
 TEST_P(FftTest, TablesAtTheirEdges)
 {
     const int c = col();
-    const bool pairSplit = c >= 2;
     // The bit-reversal table of order 3 (core of a real spec of order 4):
-    // px/a6 a swap list 0, 4, 0; w7/t7 2 rev(i) with zeros at both ends.
+    // 2 rev(i) with zeros at both ends.
     OmnRealFftSpec* rs = nullptr;
     ASSERT_EQ(tf::omnsRealFftCreate_64f[c](&rs, 4, 8, 0), 0);
     const Omn32s* rev3 = static_cast<const Omn32s*>(rs->bitRev);
     EXPECT_EQ(rev3[0], 0);
-    EXPECT_EQ(rev3[1], pairSplit ? 2 : 4);
+    EXPECT_EQ(rev3[1], 2);
     EXPECT_EQ(rev3[2], 0);
-    // Recombination: px/a6 entry k is (cos/2, (1 - sin)/2), w7/t7 group from
-    // k = 1 to N/4 with first parts, then second parts, side by side.
+    // Recombination: groups from k = 1 to N/4 with first parts, then second
+    // parts, side by side.
     const double* rf = static_cast<const double*>(rs->recombFwd);
     const double* ri = static_cast<const double*>(rs->recombInv);
     const double c1 = cos(kTwoPi / 16), s1 = sin(kTwoPi / 16);
-    if (!pairSplit) {
-        EXPECT_NEAR(rf[2], 0.5 * c1, 1e-16);
-        EXPECT_NEAR(rf[3], 0.5 - 0.5 * s1, 1e-16);
-        EXPECT_NEAR(ri[2], c1, 1e-16);
-        EXPECT_NEAR(ri[3], -s1, 1e-16);
-    } else {
-        EXPECT_NEAR(rf[0], 0.5 * c1, 1e-16);
-        EXPECT_NEAR(rf[2], 0.5 - 0.5 * s1, 1e-16);
-        EXPECT_NEAR(ri[0], c1, 1e-16);
-        EXPECT_NEAR(ri[2], -s1, 1e-16);
-        // The last group closes on k = N/4: A = B = 0, cos = 0, -sin = -1.
-        EXPECT_EQ(rf[5], 0.0);
-        EXPECT_EQ(rf[7], 0.0);
-        EXPECT_EQ(ri[5], 0.0);
-        EXPECT_EQ(ri[7], -1.0);
-    }
+    EXPECT_NEAR(rf[0], 0.5 * c1, 1e-16);
+    EXPECT_NEAR(rf[2], 0.5 - 0.5 * s1, 1e-16);
+    EXPECT_NEAR(ri[0], c1, 1e-16);
+    EXPECT_NEAR(ri[2], -s1, 1e-16);
+    // The last group closes on k = N/4: A = B = 0, cos = 0, -sin = -1.
+    EXPECT_EQ(rf[5], 0.0);
+    EXPECT_EQ(rf[7], 0.0);
+    EXPECT_EQ(ri[5], 0.0);
+    EXPECT_EQ(ri[7], -1.0);
     EXPECT_EQ(tf::omnsRealFftFree_64f[c](rs), 0);
 
-    // Order 4: px/a6 swap list 4,8 (i = 1, rev 2) then the self-reversed
-    // 12 (i = 3) and 0; w7/t7 0, 4, 2, 6, 0.
+    // Order 4: 0, 4, 2, 6, 0.
     CplxSpec s4(c, 4, 8);
     const Omn32s* rev4 = static_cast<const Omn32s*>(s4.p->bitRev);
     const std::vector<Omn32s> got(rev4, rev4 + 5);
-    const std::vector<Omn32s> want = pairSplit ? std::vector<Omn32s>{ 0, 4, 2, 6, 0 } : std::vector<Omn32s>{ 4, 8, 0, 12, 0 };
-    EXPECT_EQ(got, want);
+    EXPECT_EQ(got, (std::vector<Omn32s>{ 0, 4, 2, 6, 0 }));
 
     // Entry 0 of a butterfly table is 1 and a zero three times: -0 where
     // the sign bit is flipped (px/a6), +0 where 0.0 - x is computed (w7/t7).
     const double* tw = static_cast<const double*>(s4.p->leafTwiddle);
-    const double im0 = pairSplit ? tw[2] : tw[1];
     EXPECT_EQ(tw[0], 1.0);
-    EXPECT_EQ(im0, 0.0);
-    EXPECT_EQ(signbit(im0) != 0, !pairSplit) << "sign of the zero in entry 0";
+    EXPECT_EQ(tw[2], 0.0);
+    EXPECT_EQ(signbit(tw[2]) != 0, c <= 1) << "sign of the zero in entry 0";
 
-    // Sections of the w7/t7 table of order 6: orders 4 and 6, the second
-    // starting after 16 / 4 * 12 doubles.
-    if (pairSplit) {
-        CplxSpec s6(c, 6, 8);
-        const double* t = static_cast<const double*>(s6.p->leafTwiddle);
-        EXPECT_NEAR(t[1], cos(kTwoPi / 16), 1e-16);
-        EXPECT_NEAR(t[24 + 1], cos(kTwoPi / 64), 2e-16);
-        EXPECT_NEAR(t[24 + 3], -sin(kTwoPi / 64), 2e-16);
-        EXPECT_NEAR(t[24 + 5], cos(2 * kTwoPi / 64), 2e-16);
-    } else {
-        // px/a6 entry N/8 holds W(8), what the odd-order radix-2 pass reads,
-        // from the sine call at i = N/8 (not the cosine of the complement).
-        CplxSpec s5(c, 5, 8);
-        const double* t = static_cast<const double*>(s5.p->leafTwiddle);
-        const double fromSine = sin(4.0 * (6.283185307179586 / 32));
-        EXPECT_EQ(t[6 * 4], fromSine);
-        EXPECT_EQ(t[6 * 4 + 1], -fromSine);
-    }
+    // Sections of the table of order 6: orders 4 and 6, the second starting
+    // after 16 / 4 * 12 doubles.
+    CplxSpec s6(c, 6, 8);
+    const double* t = static_cast<const double*>(s6.p->leafTwiddle);
+    EXPECT_NEAR(t[1], cos(kTwoPi / 16), 1e-16);
+    EXPECT_NEAR(t[24 + 1], cos(kTwoPi / 64), 2e-16);
+    EXPECT_NEAR(t[24 + 3], -sin(kTwoPi / 64), 2e-16);
+    EXPECT_NEAR(t[24 + 5], cos(2 * kTwoPi / 64), 2e-16);
 }
 
 // A real spec of order m builds its core of order m - 1 over the sine table
@@ -468,7 +447,6 @@ TEST_P(FftTest, TablesAtTheirEdges)
 TEST_P(FftTest, RealCoreTablesMatchTheComplexOnes)
 {
     const int c = col();
-    const bool pairSplit = c >= 2;
     for (int k : { 5, 15 }) {
         CplxSpec cs(c, k, 8);
         OmnRealFftSpec* rs = nullptr;
@@ -477,8 +455,7 @@ TEST_P(FftTest, RealCoreTablesMatchTheComplexOnes)
         const size_t revBytes = 4 * (n / 4 + 1);
         EXPECT_EQ(memcmp(cs.p->bitRev, rs->bitRev, revBytes), 0) << "bit reversal, core order " << k;
         if (k == 5) {
-            const size_t bytes = pairSplit ? 16 * n : 48 * (n / 4 + 1);
-            EXPECT_EQ(memcmp(cs.p->leafTwiddle, rs->leafTwiddle, bytes), 0) << "butterfly table, core order 5";
+            EXPECT_EQ(memcmp(cs.p->leafTwiddle, rs->leafTwiddle, 16 * n), 0) << "butterfly table, core order 5";
         } else {
             EXPECT_EQ(memcmp(cs.p->levelCross[0], rs->levelCross[0], 16 * n), 0) << "cross table, core order 15";
         }
@@ -560,10 +537,10 @@ TEST_P(FftTest, KnownSpectraAndRoundTripsToOrder20)
     }
 }
 
-// The orders at which a column changes its shape: px/a6 direct at 9, the
-// radix-2 top passes at 10 and 11, one level from 12, a radix-2 leaf under
-// a level at 19, two levels at 21; w7 blocked from 14 (two levels at 22),
-// t7 from 15.  Each against its exact spectrum, and in place, out of place
+// The orders at which a column changes its shape: px/a6 and w7 direct up
+// to 13 (px/a6 in place without work memory), blocked from 14, with a
+// radix-2 outer pass at 18 and two levels at 22; t7 direct up to 14,
+// blocked from 15.  Each against its exact spectrum, and in place, out of place
 // and with an offset dst giving the same bits.
 struct Shape {
     int col;
@@ -572,9 +549,9 @@ struct Shape {
 };
 
 const Shape kShapes[] = {
-    { 0, 9, "px_direct" },         { 0, 10, "px_radix2_top" },    { 0, 11, "px_radix2_top" },
-    { 0, 12, "px_one_level" },     { 0, 19, "px_radix2_leaf" },   { 0, 21, "px_two_levels" },
-    { 1, 11, "a6_radix2_top" },    { 1, 12, "a6_one_level" },     { 2, 13, "w7_direct" },
+    { 0, 9, "px_direct" },         { 0, 13, "px_direct" },        { 0, 14, "px_blocked" },
+    { 0, 18, "px_odd_outer" },     { 0, 22, "px_two_levels" },    { 1, 13, "a6_direct" },
+    { 1, 14, "a6_blocked" },       { 2, 13, "w7_direct" },
     { 2, 14, "w7_blocked" },       { 2, 22, "w7_two_levels" },    { 3, 14, "t7_direct" },
     { 3, 15, "t7_blocked" },       { 3, 17, "t7_outer_of_4" },    { 2, 18, "w7_odd_outer" },
 };

@@ -1,5 +1,5 @@
 /*
- * kernel_w7.cpp - the w7/t7 complex transform in pair-split form: two
+ * kernel.cpp - the complex transform in pair-split form: two
  * neighbouring complex values k, k+1 are held as re(k) re(k+1) im(k)
  * im(k+1), so that one two-double register takes both real parts and one
  * both imaginary parts, and a complex product is four multiplications and
@@ -15,9 +15,14 @@
  *                   copied to the work buffer, which run all the level's
  *                   outer passes with the cross table read in order.
  *
- * Loads and stores are unaligned: on the processors of these columns they
- * cost the same on aligned data, and they let the kernels run in dst
+ * Loads and stores are unaligned: on the processors of the SSE2 columns
+ * they cost the same on aligned data, and they let the kernels run in dst
  * whatever its alignment.
+ *
+ * Every column runs this code.  w7/t7 hold two doubles in an SSE2
+ * register; px/a6 in a plain structure, written so that the compiler can
+ * keep it in a vector register where the target has one (the portable
+ * column carries no intrinsics).
  */
 #include "core/column.h"
 
@@ -27,8 +32,6 @@
 
 OMN_COLUMN_BEGIN
 namespace fft {
-
-#if OMN_COLUMN_INDEX >= 2
 
 namespace {
 
@@ -254,9 +257,9 @@ void fused(const Omn64fc* src, Omn64fc* dst, int k, const OmnFftSpecRecord* spec
 }
 
 /* Leaf kernel over an already permuted row of order k, in place; the
-   result stays in pair-split form. */
+   result stays in pair-split form unless interleave is set. */
 template <bool Inv>
-void leaf(double* d, int k, const double* tw)
+void leaf(double* d, int k, const double* tw, bool interleave = false)
 {
     static const int rev2[4] = { 0, 2, 1, 3 };
     static const int rev3[8] = { 0, 4, 2, 6, 1, 5, 3, 7 };
@@ -264,7 +267,7 @@ void leaf(double* d, int k, const double* tw)
         firstPass<Inv>(d, k, [&](int64_t i, int j) { return d + 2 * (4 * i + rev2[j]); });
     else
         firstPass<Inv>(d, k, [&](int64_t i, int j) { return d + 2 * (8 * i + rev3[j]); });
-    passes<Inv>(d, k, tw, d, false);
+    passes<Inv>(d, k, tw, d, interleave);
 }
 
 /* Leaf kernel that gathers its row straight from the natural-order source
@@ -411,6 +414,16 @@ void blocked(double* d, int k, int l, const OmnFftSpecRecord* spec, bool scaled,
 template <bool Inv>
 void run(const Omn64fc* src, Omn64fc* dst, const OmnFftSpecRecord* spec, int k, bool scaled, double* work)
 {
+    if (k <= kDirectLimit && src == dst && !kInPlaceThroughWork) {
+        /* In place without work memory: permute, then the leaf kernel over
+           dst with its last pass turning the pairs back to interleaved
+           form. */
+        permute(dst, dst, k, static_cast<const Omn32s*>(spec->bitRev));
+        leaf<Inv>(reinterpret_cast<double*>(dst), k, static_cast<const double*>(spec->leafTwiddle), true);
+        if (scaled)
+            scaleDoubles(reinterpret_cast<double*>(dst), size_t(2) << k, spec->scale);
+        return;
+    }
     if (k <= kDirectLimit) {
         fused<Inv>(src, dst, k, spec, work);
         if (scaled)
@@ -441,8 +454,6 @@ void transform(const Omn64fc* src, Omn64fc* dst, const OmnFftSpecRecord* spec, i
     else
         run<false>(src, dst, spec, k, scaled, work);
 }
-
-#endif
 
 } // namespace fft
 OMN_COLUMN_END
