@@ -1,10 +1,7 @@
 /*
- * kernel.cpp - the complex transform in pair-split form: two
- * neighbouring complex values k, k+1 are held as re(k) re(k+1) im(k)
- * im(k+1), so that one two-double register takes both real parts and one
- * both imaginary parts, and a complex product is four multiplications and
- * two additions with no shuffle.  The last pass turns the data back into
- * interleaved form on the way to dst.
+ * kernel.cpp - the complex transform in pair-split form (fft/pair.h).  The
+ * first pass turns interleaved input into pairs, and the last pass turns
+ * the data back into interleaved form on the way to dst.
  *
  *   fused kernel    up to the column's direct limit, straight from src to
  *                   dst: the first pass gathers through the bit-reversal
@@ -20,52 +17,21 @@
  * whatever its alignment.
  *
  * Every column runs this code.  w7/t7 hold two doubles in an SSE2
- * register; px/a6 in a plain structure, written so that the compiler can
- * keep it in a vector register where the target has one (the portable
- * column carries no intrinsics).
+ * register; px/a6 in a plain structure, which the compiler may keep in a
+ * vector register where the target has one (the portable column carries
+ * no intrinsics).
  */
 #include "core/column.h"
 
 #include <string.h>
 
 #include "fft/engine.h"
+#include "fft/pair.h"
 
 OMN_COLUMN_BEGIN
 namespace fft {
 
 namespace {
-
-/* ---- two doubles -------------------------------------------------------- */
-#if OMN_SIMD >= 2
-typedef __m128d V;
-inline V ld(const double* p) { return _mm_loadu_pd(p); }
-inline void st(double* p, V v) { _mm_storeu_pd(p, v); }
-inline V add(V a, V b) { return _mm_add_pd(a, b); }
-inline V sub(V a, V b) { return _mm_sub_pd(a, b); }
-inline V mul(V a, V b) { return _mm_mul_pd(a, b); }
-inline V set1(double x) { return _mm_set1_pd(x); }
-inline V unpackLo(V a, V b) { return _mm_unpacklo_pd(a, b); }
-inline V unpackHi(V a, V b) { return _mm_unpackhi_pd(a, b); }
-inline V swapHalves(V a) { return _mm_shuffle_pd(a, a, 1); }
-/* (x0, -x1) and (-x0, x1) by the sign bit. */
-inline V negHi(V a) { return _mm_xor_pd(a, _mm_set_pd(-0.0, 0.0)); }
-inline V negLo(V a) { return _mm_xor_pd(a, _mm_set_pd(0.0, -0.0)); }
-#else
-struct V {
-    double x0, x1;
-};
-inline V ld(const double* p) { return V{ p[0], p[1] }; }
-inline void st(double* p, V v) { p[0] = v.x0; p[1] = v.x1; }
-inline V add(V a, V b) { return V{ a.x0 + b.x0, a.x1 + b.x1 }; }
-inline V sub(V a, V b) { return V{ a.x0 - b.x0, a.x1 - b.x1 }; }
-inline V mul(V a, V b) { return V{ a.x0 * b.x0, a.x1 * b.x1 }; }
-inline V set1(double x) { return V{ x, x }; }
-inline V unpackLo(V a, V b) { return V{ a.x0, b.x0 }; }
-inline V unpackHi(V a, V b) { return V{ a.x1, b.x1 }; }
-inline V swapHalves(V a) { return V{ a.x1, a.x0 }; }
-inline V negHi(V a) { return V{ a.x0, -a.x1 }; }
-inline V negLo(V a) { return V{ -a.x0, a.x1 }; }
-#endif
 
 /* ---- interleaved complex in one V (first pass) -------------------------- */
 
@@ -143,31 +109,6 @@ void firstPass(double* w, int k, In in)
 }
 
 /* ---- radix-4 passes in pair-split form ---------------------------------- */
-
-struct Split {
-    V re, im;
-};
-
-inline Split load(const double* p) { return Split{ ld(p), ld(p + 2) }; }
-inline void store(double* p, Split a)
-{
-    st(p, a.re);
-    st(p + 2, a.im);
-}
-/* Interleaved store of the pair: dst gets (re k, im k), (re k+1, im k+1). */
-inline void storeInterleaved(double* p, Split a)
-{
-    st(p, unpackLo(a.re, a.im));
-    st(p + 2, unpackHi(a.re, a.im));
-}
-
-template <bool Inv>
-inline Split cmul(Split a, V wr, V wi)
-{
-    if (Inv)
-        return Split{ add(mul(a.re, wr), mul(a.im, wi)), sub(mul(a.im, wr), mul(a.re, wi)) };
-    return Split{ sub(mul(a.re, wr), mul(a.im, wi)), add(mul(a.re, wi), mul(a.im, wr)) };
-}
 
 /* One radix-4 butterfly on a pair: a1 takes the second table power, a2 the
    first, a3 the third (the quarters stand in bit-reversed order). */
