@@ -5,14 +5,13 @@
  *
  * Column points of the engine (everything else is common code):
  *   kDirectLimit    largest core order that runs without blocking.
- *   kInPlaceThroughWork  w7/t7 run an in-place direct transform through the
- *                   work buffer; px/a6, whose buffer is smaller, permute in
- *                   place and run the kernel over dst.
- *   kSplit, kTile   outer order of a blocking level by core order, and the
- *                   tile order of a level.
+ *   kInPlaceThroughWork  w7/t7 have work memory for a whole direct
+ *                   transform and run in place through it; px/a6, whose
+ *                   buffer is smaller, permute in place and run the kernel
+ *                   over dst.
  *   kLeafRoom       what w7/t7 add to bufSize on the blocked path: one leaf
  *                   transform plus 16 bytes of alignment slack.
- *   kReportSplit    px/a6 only: the levels their reported bufSize counts.
+ *   kReportSplit, kReportTile  the levels the reported bufSize counts.
  *   tableNeg        how tables negate: px/a6 flip the sign bit, w7/t7
  *                   compute 0.0 - x (the two differ only in the sign of a
  *                   zero).
@@ -29,43 +28,50 @@
 OMN_COLUMN_BEGIN
 namespace fft {
 
-#if OMN_COLUMN_INDEX <= 1
-/* px/a6 run the same pair-split kernel as w7/t7, on plain two-double
-   structures that the compiler may keep in vector registers where the
-   target has them.  Their reported bufSize keeps its own rule (nothing up
-   to order 9, then 64 << outer order + 16 by kReportSplit), and the kernel
-   is shaped to fit in it: no work memory up to the direct limit, in place
-   included, and tiles no larger than the reported buffer above. */
-constexpr int kDirectLimit = 13;
-constexpr int kLeafRoom = 0;
-constexpr bool kInPlaceThroughWork = false;
+/* Outer order and tile order of a blocking level by core order, the same
+   in every column: tiles of at most 2^11 points (32 KiB) keep a tile's
+   passes in the first-level cache. */
 constexpr signed char kSplit[31] = { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 4, 4, 4, 4, 5, 6,
                                      7, 8, 4, 5, 6, 7, 8, 8, 8, 8, 8 };
 constexpr signed char kTile[31] = { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 8, 8, 9, 10, 10, 11,
                                     11, 10, 10, 11, 11, 11, 11, 11, 11, 11, 11 };
+
+#if OMN_COLUMN_INDEX <= 1
+/* px/a6 hold two doubles in a plain structure, which the compiler may keep
+   in a vector register where the target has one.  Their reported bufSize
+   keeps its own rule (nothing up to order 9, then 64 << outer order + 16
+   by kReportSplit), and the kernel fits in it: no work memory up to the
+   direct limit, in place included, and tiles no larger than the reported
+   buffer above. */
+constexpr int kDirectLimit = 13;
+constexpr int kLeafRoom = 0;
+constexpr bool kInPlaceThroughWork = false;
 /* Outer order by core order of the reported work memory: 0 below 12, and
    at 10 and 11, which report 16 bytes. */
 constexpr signed char kReportSplit[31] = { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 4, 5, 6, 7, 7, 8, 9, 9,
                                            9, 8, 8, 9, 9, 9, 9, 9, 9, 9, 9 };
 inline double tableNeg(double x) { return -x; }
-#elif OMN_COLUMN_INDEX == 2
+#else
+/* w7/t7 report room for the whole transform up to the direct limit, and
+   above it the largest tile of kReportSplit/kReportTile plus kLeafRoom;
+   the tiles they run are smaller. */
+constexpr bool kInPlaceThroughWork = true;
+inline double tableNeg(double x) { return 0.0 - x; }
+#if OMN_COLUMN_INDEX == 2
 constexpr int kDirectLimit = 13;
 constexpr int kLeafRoom = 0x20010;
-constexpr bool kInPlaceThroughWork = true;
-constexpr signed char kSplit[31] = { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 4, 4, 4, 4, 5, 6,
-                                     7, 8, 4, 5, 6, 7, 8, 8, 8, 8, 8 };
-constexpr signed char kTile[31] = { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 8, 8, 10, 10, 12, 13,
-                                    13, 13, 10, 12, 13, 13, 13, 13, 13, 13, 13 };
-inline double tableNeg(double x) { return 0.0 - x; }
+constexpr signed char kReportSplit[31] = { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 4, 4, 4, 4, 5, 6,
+                                           7, 8, 4, 5, 6, 7, 8, 8, 8, 8, 8 };
+constexpr signed char kReportTile[31] = { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 8, 8, 10, 10, 12, 13,
+                                          13, 13, 10, 12, 13, 13, 13, 13, 13, 13, 13 };
 #else
 constexpr int kDirectLimit = 14;
 constexpr int kLeafRoom = 0x40010;
-constexpr bool kInPlaceThroughWork = true;
-constexpr signed char kSplit[31] = { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 6, 6, 4, 4, 6,
-                                     6, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8 };
-constexpr signed char kTile[31] = { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 8, 10, 10, 10, 13,
-                                    13, 14, 14, 14, 14, 14, 14, 14, 14, 14, 14 };
-inline double tableNeg(double x) { return 0.0 - x; }
+constexpr signed char kReportSplit[31] = { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 6, 6, 4, 4, 6,
+                                           6, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8 };
+constexpr signed char kReportTile[31] = { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 8, 10, 10, 10, 13,
+                                          13, 14, 14, 14, 14, 14, 14, 14, 14, 14, 14 };
+#endif
 #endif
 
 /* ---- tables (tables.cpp) ------------------------------------------------ */
@@ -90,6 +96,21 @@ extern const SmallFn kSmall[2][2][4];
    kind. */
 void transform(const Omn64fc* src, Omn64fc* dst, const OmnFftSpecRecord* spec, int k, bool inv, bool scaled,
                double* work);
+
+/* The same transform of order 4 and up over data that stand in dst in
+   bit-reversed order already: element z of the input at permutedIndex(z). */
+void transformPermuted(Omn64fc* dst, const OmnFftSpecRecord* spec, int k, bool inv, bool scaled, double* work);
+
+/* Where the permutation puts element z of a core of order k (4 and up):
+   element 4i + m of the permuted array is z = rev(i) + off(m) N/4, off =
+   0, 2, 1, 3, and bitRev holds 2 rev(i) at entry i; rev is its own
+   inverse. */
+inline int64_t permutedIndex(const Omn32s* bitRev, int k, int64_t z)
+{
+    const int shift = k - 2;
+    const int64_t t = z >> shift, r = z & ((int64_t(1) << shift) - 1);
+    return 2 * int64_t(bitRev[r]) + ((t >> 1) | ((t & 1) << 1));
+}
 
 /* Work memory of a transform of order 4 and up: none when bufSize is 0,
    else the caller's buffer moved up to 16 bytes, or (null buffer) a block

@@ -352,31 +352,39 @@ void blocked(double* d, int k, int l, const OmnFftSpecRecord* spec, bool scaled,
     }
 }
 
+/* The core over data already in bit-reversed order in dst. */
+template <bool Inv>
+void runPermuted(Omn64fc* dst, const OmnFftSpecRecord* spec, int k, bool scaled, double* work)
+{
+    double* d = reinterpret_cast<double*>(dst);
+    if (k <= kDirectLimit) {
+        /* The leaf kernel's last pass turns the pairs back to interleaved
+           form. */
+        leaf<Inv>(d, k, static_cast<const double*>(spec->leafTwiddle), true);
+        if (scaled)
+            scaleDoubles(d, size_t(2) << k, spec->scale);
+        return;
+    }
+    blocked<Inv>(d, k, 0, spec, scaled, work);
+}
+
 template <bool Inv>
 void run(const Omn64fc* src, Omn64fc* dst, const OmnFftSpecRecord* spec, int k, bool scaled, double* work)
 {
-    if (k <= kDirectLimit && src == dst && !kInPlaceThroughWork) {
-        /* In place without work memory: permute, then the leaf kernel over
-           dst with its last pass turning the pairs back to interleaved
-           form. */
-        permute(dst, dst, k, static_cast<const Omn32s*>(spec->bitRev));
-        leaf<Inv>(reinterpret_cast<double*>(dst), k, static_cast<const double*>(spec->leafTwiddle), true);
-        if (scaled)
-            scaleDoubles(reinterpret_cast<double*>(dst), size_t(2) << k, spec->scale);
-        return;
-    }
-    if (k <= kDirectLimit) {
+    if (k <= kDirectLimit && (src != dst || kInPlaceThroughWork)) {
         fused<Inv>(src, dst, k, spec, work);
         if (scaled)
             scaleDoubles(reinterpret_cast<double*>(dst), size_t(2) << k, spec->scale);
         return;
     }
-    if (src != dst && k - kSplit[k] <= kDirectLimit) {
+    if (src != dst && k > kDirectLimit && k - kSplit[k] <= kDirectLimit) {
         blocked<Inv>(reinterpret_cast<double*>(dst), k, 0, spec, scaled, work, src);
         return;
     }
+    /* In place without work memory (px/a6 up to the direct limit), and the
+       larger orders whose rows can't gather: permute, then the core. */
     permute(src, dst, k, static_cast<const Omn32s*>(spec->bitRev));
-    blocked<Inv>(reinterpret_cast<double*>(dst), k, 0, spec, scaled, work);
+    runPermuted<Inv>(dst, spec, k, scaled, work);
 }
 
 } // namespace
@@ -394,6 +402,14 @@ void transform(const Omn64fc* src, Omn64fc* dst, const OmnFftSpecRecord* spec, i
         run<true>(src, dst, spec, k, scaled, work);
     else
         run<false>(src, dst, spec, k, scaled, work);
+}
+
+void transformPermuted(Omn64fc* dst, const OmnFftSpecRecord* spec, int k, bool inv, bool scaled, double* work)
+{
+    if (inv)
+        runPermuted<true>(dst, spec, k, scaled, work);
+    else
+        runPermuted<false>(dst, spec, k, scaled, work);
 }
 
 } // namespace fft

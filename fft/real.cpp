@@ -22,6 +22,7 @@
 
 #include "core/alloc.h"
 #include "fft/engine.h"
+#include "fft/pair.h"
 
 OMN_COLUMN_BEGIN
 namespace fft {
@@ -120,13 +121,11 @@ void real3(const double* src, double* dst, double s)
 
 /* ---- the recombination, order 4 and up ------------------------------------ */
 
-/* Entry k (1 to M/2) as the pair (first, second). */
-inline void entry(const double* t, size_t k, double& first, double& second)
-{
-    const size_t g = (k - 1) >> 1, lane = (k - 1) & 1;
-    first = t[4 * g + lane];
-    second = t[4 * g + 2 + lane];
-}
+/* The recombination runs on two neighbours k, k+1 (k odd, from 1 to
+   M/2 - 1) and their mirrors M-k, M-k-1 at once, in pair-split form; the
+   table holds the group's factors the same way.  Each group reads its four
+   complex values before it writes, and the last group (k+1 = M/2 = M-k-1)
+   writes the middle term twice with the same value. */
 
 /* Z (the core's spectrum, in d) to Perm, in place. */
 void recombineForward(double* d, size_t m, const double* t)
@@ -134,39 +133,46 @@ void recombineForward(double* d, size_t m, const double* t)
     const double p = d[0], q = d[1];
     d[0] = p + q;
     d[1] = p - q;
-    for (size_t k = 1; k <= m / 2; ++k) {
+    for (size_t k = 1; k < m / 2; k += 2, t += 4) {
         const size_t j = m - k;
-        double A, B;
-        entry(t, k, A, B);
-        const double a = d[2 * k], c = d[2 * k + 1], b = d[2 * j], e = d[2 * j + 1];
-        const double amb = a - b, cpe = c + e;
-        const double P = B * amb + A * cpe;
-        const double Q = B * cpe - A * amb;
-        d[2 * k] = b + P;
-        d[2 * k + 1] = Q - e;
-        d[2 * j] = a - P;
-        d[2 * j + 1] = Q - c;
+        const V A = ld(t), B = ld(t + 2);
+        const Split x = loadInterleaved(d + 2 * k);
+        const V y1 = ld(d + 2 * (j - 1)), y0 = ld(d + 2 * j);
+        const V a = x.re, c = x.im, b = unpackLo(y0, y1), e = unpackHi(y0, y1);
+        const V amb = sub(a, b), cpe = add(c, e);
+        const V P = add(mul(B, amb), mul(A, cpe));
+        const V Q = sub(mul(B, cpe), mul(A, amb));
+        storeInterleaved(d + 2 * k, Split{ add(b, P), sub(Q, e) });
+        const V re = sub(a, P), im = sub(Q, c);
+        st(d + 2 * j, unpackLo(re, im));
+        st(d + 2 * (j - 1), unpackHi(re, im));
     }
 }
 
-/* Perm in s to the Z of the inverse core in d (s may equal d). */
-void recombineInverse(const double* s, double* d, size_t m, const double* t)
+/* Perm to the Z of the inverse core, element z going to d at place(z).
+   The Perm values are s[i - shift] for i from 2 on, with R0 and R(N/2)
+   given apart: Perm itself has shift 0, Pack shift 1 (s may equal d only
+   for Perm in natural places). */
+template <typename Place>
+void recombineInverse(const double* s, int shift, double r0, double rHalf, double* d, size_t m,
+                      const double* t, Place place)
 {
-    const double p = s[0], q = s[1];
-    d[0] = p + q;
-    d[1] = p - q;
-    for (size_t k = 1; k <= m / 2; ++k) {
+    d[2 * place(0)] = r0 + rHalf;
+    d[2 * place(0) + 1] = r0 - rHalf;
+    for (size_t k = 1; k < m / 2; k += 2, t += 4) {
         const size_t j = m - k;
-        double C, S;
-        entry(t, k, C, S);
-        const double a = s[2 * k], c = s[2 * k + 1], b = s[2 * j], e = s[2 * j + 1];
-        const double amb = a - b, cpe = c + e, apb = a + b, cme = c - e;
-        const double P = S * amb - C * cpe;
-        const double Q = amb * C + cpe * S;
-        d[2 * k] = apb + P;
-        d[2 * k + 1] = cme + Q;
-        d[2 * j] = apb - P;
-        d[2 * j + 1] = Q - cme;
+        const V C = ld(t), S = ld(t + 2);
+        const Split x = loadInterleaved(s + 2 * k - shift);
+        const V y1 = ld(s + 2 * (j - 1) - shift), y0 = ld(s + 2 * j - shift);
+        const V a = x.re, c = x.im, b = unpackLo(y0, y1), e = unpackHi(y0, y1);
+        const V amb = sub(a, b), cpe = add(c, e), apb = add(a, b), cme = sub(c, e);
+        const V P = sub(mul(S, amb), mul(C, cpe));
+        const V Q = add(mul(amb, C), mul(cpe, S));
+        const V kre = add(apb, P), kim = add(cme, Q), jre = sub(apb, P), jim = sub(Q, cme);
+        st(d + 2 * place(k), unpackLo(kre, kim));
+        st(d + 2 * place(k + 1), unpackHi(kre, kim));
+        st(d + 2 * place(j), unpackLo(jre, jim));
+        st(d + 2 * place(j - 1), unpackHi(jre, jim));
     }
 }
 
@@ -244,6 +250,31 @@ OmnStatus inverse(const double* pSrc, double* pDst, const OmnRealFftSpec* spec, 
         if (const OmnStatus st = acquireWork(spec, pBuf, &work, &own))
             return st;
     }
+    const size_t m = n / 2;
+    const double* t = static_cast<const double*>(spec->recombInv);
+    const int k = order - 1;
+    if (order >= 5 && (pSrc != pDst || (kInPlaceThroughWork && k <= kDirectLimit))) {
+        /* Pack is read where it stands.  Where the work memory holds a
+           whole core (w7/t7 up to the direct limit), the recombination
+           goes there and the core runs from it to dst, like the forward
+           from src.  Otherwise, out of place, the recombination writes
+           straight into the bit-reversed places the core reads, so no
+           permutation pass runs. */
+        const double rHalf = pack ? pSrc[n - 1] : pSrc[1];
+        const int shift = pack ? 1 : 0;
+        if (kInPlaceThroughWork && k <= kDirectLimit) {
+            recombineInverse(pSrc, shift, pSrc[0], rHalf, work, m, t, [](size_t z) { return z; });
+            transform(reinterpret_cast<const Omn64fc*>(work), reinterpret_cast<Omn64fc*>(pDst), spec, k, true,
+                      scaled, nullptr);
+        } else {
+            const Omn32s* rev = static_cast<const Omn32s*>(spec->bitRev);
+            recombineInverse(pSrc, shift, pSrc[0], rHalf, pDst, m, t,
+                             [rev, k](size_t z) { return size_t(permutedIndex(rev, k, int64_t(z))); });
+            transformPermuted(reinterpret_cast<Omn64fc*>(pDst), spec, k, true, scaled, work);
+        }
+        common::omnsFree(own);
+        return omnStatusOk;
+    }
     const double* src = pSrc;
     if (pack) {
         packToPerm(pSrc, pDst, n);
@@ -253,7 +284,7 @@ OmnStatus inverse(const double* pSrc, double* pDst, const OmnRealFftSpec* spec, 
         kRealSmall[1][scaled][order](src, pDst, spec->scale);
         return omnStatusOk;
     }
-    recombineInverse(src, pDst, n / 2, static_cast<const double*>(spec->recombInv));
+    recombineInverse(src, 0, src[0], src[1], pDst, m, t, [](size_t z) { return z; });
     Omn64fc* z = reinterpret_cast<Omn64fc*>(pDst);
     transform(z, z, spec, order - 1, true, scaled, work);
     common::omnsFree(own);

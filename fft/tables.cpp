@@ -116,12 +116,6 @@ double* makeButterfly(int k, const double* sine, int sineOrder)
     return t;
 }
 
-void raiseBufSize(OmnFftSpecRecord* spec, int64_t bytes)
-{
-    if (spec->bufSize < bytes)
-        spec->bufSize = static_cast<Omn32s>(bytes);
-}
-
 /* Cross table of level l: the twiddles of the level's outer passes in
    the order the tiles read them.  For each tile (T columns from a), each
    radix-4 pass of span order v, each row offset b within a quarter, each
@@ -165,7 +159,6 @@ OmnStatus makeCrossPairSplit(OmnFftSpecRecord* spec, int l, int k, int r, int ti
                 }
     }
     memset(o, 0, static_cast<size_t>(reinterpret_cast<char*>(table + 2 * n) - reinterpret_cast<char*>(o)));
-    raiseBufSize(spec, int64_t(16) << tile);
     return omnStatusOk;
 }
 
@@ -186,8 +179,8 @@ OmnStatus buildLevelsPairSplit(OmnFftSpecRecord* spec, int k, int l, const doubl
 
 #if OMN_COLUMN_INDEX <= 1
 /* px/a6 report the largest column buffer of their levels, 64 << outer
-   order bytes, with outer orders by kReportSplit; the radix-2 orders 10
-   and 11 have none, and order 9 and below report nothing at all. */
+   order bytes; the radix-2 orders 10 and 11 have none, and order 9 and
+   below report nothing at all. */
 constexpr int64_t reportedScratch(int k)
 {
     const int r = kReportSplit[k];
@@ -196,6 +189,16 @@ constexpr int64_t reportedScratch(int k)
     const int64_t inner = k - r > 9 ? reportedScratch(k - r) : 0;
     return (int64_t(64) << r) > inner ? int64_t(64) << r : inner;
 }
+#else
+/* w7/t7 report the largest tile of their levels, 16 << tile order. */
+constexpr int64_t reportedScratch(int k)
+{
+    if (k <= kDirectLimit)
+        return 0;
+    const int64_t inner = reportedScratch(k - kReportSplit[k]);
+    return (int64_t(16) << kReportTile[k]) > inner ? int64_t(16) << kReportTile[k] : inner;
+}
+#endif
 
 /* The largest tile of the levels the kernel runs at order k. */
 constexpr int runTile(int k)
@@ -213,25 +216,22 @@ constexpr bool tilesFitTheReportedBuffer()
             return false;
     return true;
 }
-static_assert(tilesFitTheReportedBuffer(), "a tile would outgrow the work memory px/a6 report");
-#endif
+static_assert(tilesFitTheReportedBuffer(), "a tile would outgrow the work memory the column reports");
 
 OmnStatus buildByColumn(OmnFftSpecRecord* spec, int k, const double* sine, int sineOrder)
 {
     if (k <= kDirectLimit) {
         if ((spec->leafTwiddle = makeButterfly(k, sine, sineOrder)) == nullptr)
             return omnStatusNoMemory;
-    } else {
-        spec->bufSize = 0;
-        if (const OmnStatus st = buildLevelsPairSplit(spec, k, 0, sine, sineOrder))
-            return st;
+    } else if (const OmnStatus st = buildLevelsPairSplit(spec, k, 0, sine, sineOrder)) {
+        return st;
     }
 #if OMN_COLUMN_INDEX <= 1
     spec->bufSize = k < 10 ? 0 : static_cast<Omn32s>(reportedScratch(k) + 16);
 #else
     /* w7/t7: room for the whole transform when it can't run in dst; above
        the direct limit the largest tile and one leaf transform. */
-    spec->bufSize = k <= kDirectLimit ? (16 << k) + 16 : spec->bufSize + kLeafRoom;
+    spec->bufSize = k <= kDirectLimit ? (16 << k) + 16 : static_cast<Omn32s>(reportedScratch(k) + kLeafRoom);
 #endif
     return omnStatusOk;
 }
