@@ -5,10 +5,11 @@
  *
  * Column points of the engine (everything else is common code):
  *   kDirectLimit    largest core order that runs without blocking.
- *   kInPlaceThroughWork  w7/t7 have work memory for a whole direct
- *                   transform and run in place through it; px/a6, whose
- *                   buffer is smaller, permute in place and run the kernel
- *                   over dst.
+ *   kWholeInWork    the largest order whose whole transform fits in the work
+ *                   memory the column reports (w7 13, t7 14, none in
+ *                   px/a6): an in-place direct transform runs through the
+ *                   work memory there; elsewhere it permutes in place and
+ *                   runs the kernel over dst.
  *   kLeafRoom       what w7/t7 add to bufSize on the blocked path: one leaf
  *                   transform plus 16 bytes of alignment slack.
  *   kReportSplit, kReportTile  the levels the reported bufSize counts.
@@ -45,20 +46,20 @@ constexpr signed char kTile[31] = { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 8,
    buffer above. */
 constexpr int kDirectLimit = 13;
 constexpr int kLeafRoom = 0;
-constexpr bool kInPlaceThroughWork = false;
+constexpr int kWholeInWork = -1;
 /* Outer order by core order of the reported work memory: 0 below 12, and
    at 10 and 11, which report 16 bytes. */
 constexpr signed char kReportSplit[31] = { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 4, 5, 6, 7, 7, 8, 9, 9,
                                            9, 8, 8, 9, 9, 9, 9, 9, 9, 9, 9 };
 inline double tableNeg(double x) { return -x; }
 #else
-/* w7/t7 report room for the whole transform up to the direct limit, and
-   above it the largest tile of kReportSplit/kReportTile plus kLeafRoom;
-   the tiles they run are smaller. */
-constexpr bool kInPlaceThroughWork = true;
+/* w7/t7 report room for the whole transform up to kWholeInWork, and above
+   it the largest tile of kReportSplit/kReportTile plus kLeafRoom; the tiles
+   they run are smaller, and w7 runs order 14 unblocked too. */
 inline double tableNeg(double x) { return 0.0 - x; }
 #if OMN_COLUMN_INDEX == 2
-constexpr int kDirectLimit = 13;
+constexpr int kDirectLimit = 14;
+constexpr int kWholeInWork = 13;
 constexpr int kLeafRoom = 0x20010;
 constexpr signed char kReportSplit[31] = { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 4, 4, 4, 4, 5, 6,
                                            7, 8, 4, 5, 6, 7, 8, 8, 8, 8, 8 };
@@ -66,6 +67,7 @@ constexpr signed char kReportTile[31] = { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
                                           13, 13, 10, 12, 13, 13, 13, 13, 13, 13, 13 };
 #else
 constexpr int kDirectLimit = 14;
+constexpr int kWholeInWork = 14;
 constexpr int kLeafRoom = 0x40010;
 constexpr signed char kReportSplit[31] = { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 6, 6, 4, 4, 6,
                                            6, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8 };

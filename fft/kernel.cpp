@@ -371,7 +371,7 @@ void runPermuted(Omn64fc* dst, const OmnFftSpecRecord* spec, int k, bool scaled,
 template <bool Inv>
 void run(const Omn64fc* src, Omn64fc* dst, const OmnFftSpecRecord* spec, int k, bool scaled, double* work)
 {
-    if (k <= kDirectLimit && (src != dst || kInPlaceThroughWork)) {
+    if (k <= kDirectLimit && (src != dst || k <= kWholeInWork)) {
         fused<Inv>(src, dst, k, spec, work);
         if (scaled)
             scaleDoubles(reinterpret_cast<double*>(dst), size_t(2) << k, spec->scale);
@@ -381,8 +381,9 @@ void run(const Omn64fc* src, Omn64fc* dst, const OmnFftSpecRecord* spec, int k, 
         blocked<Inv>(reinterpret_cast<double*>(dst), k, 0, spec, scaled, work, src);
         return;
     }
-    /* In place without work memory (px/a6 up to the direct limit), and the
-       larger orders whose rows can't gather: permute, then the core. */
+    /* In place without room for the whole transform in the work memory,
+       and the larger orders whose rows can't gather: permute, then the
+       core. */
     permute(src, dst, k, static_cast<const Omn32s*>(spec->bitRev));
     runPermuted<Inv>(dst, spec, k, scaled, work);
 }

@@ -253,16 +253,16 @@ OmnStatus inverse(const double* pSrc, double* pDst, const OmnRealFftSpec* spec, 
     const size_t m = n / 2;
     const double* t = static_cast<const double*>(spec->recombInv);
     const int k = order - 1;
-    if (order >= 5 && (pSrc != pDst || (kInPlaceThroughWork && k <= kDirectLimit))) {
+    if (order >= 5 && (pSrc != pDst || k <= kWholeInWork)) {
         /* Pack is read where it stands.  Where the work memory holds a
-           whole core (w7/t7 up to the direct limit), the recombination
+           whole core (w7/t7, kWholeInWork), the recombination
            goes there and the core runs from it to dst, like the forward
            from src.  Otherwise, out of place, the recombination writes
            straight into the bit-reversed places the core reads, so no
            permutation pass runs. */
         const double rHalf = pack ? pSrc[n - 1] : pSrc[1];
         const int shift = pack ? 1 : 0;
-        if (kInPlaceThroughWork && k <= kDirectLimit) {
+        if (k <= kWholeInWork) {
             recombineInverse(pSrc, shift, pSrc[0], rHalf, work, m, t, [](size_t z) { return z; });
             transform(reinterpret_cast<const Omn64fc*>(work), reinterpret_cast<Omn64fc*>(pDst), spec, k, true,
                       scaled, nullptr);

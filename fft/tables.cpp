@@ -193,7 +193,7 @@ constexpr int64_t reportedScratch(int k)
 /* w7/t7 report the largest tile of their levels, 16 << tile order. */
 constexpr int64_t reportedScratch(int k)
 {
-    if (k <= kDirectLimit)
+    if (k <= kWholeInWork)
         return 0;
     const int64_t inner = reportedScratch(k - kReportSplit[k]);
     return (int64_t(16) << kReportTile[k]) > inner ? int64_t(16) << kReportTile[k] : inner;
@@ -230,8 +230,8 @@ OmnStatus buildByColumn(OmnFftSpecRecord* spec, int k, const double* sine, int s
     spec->bufSize = k < 10 ? 0 : static_cast<Omn32s>(reportedScratch(k) + 16);
 #else
     /* w7/t7: room for the whole transform when it can't run in dst; above
-       the direct limit the largest tile and one leaf transform. */
-    spec->bufSize = k <= kDirectLimit ? (16 << k) + 16 : static_cast<Omn32s>(reportedScratch(k) + kLeafRoom);
+       that the largest tile and one leaf transform. */
+    spec->bufSize = k <= kWholeInWork ? (16 << k) + 16 : static_cast<Omn32s>(reportedScratch(k) + kLeafRoom);
 #endif
     return omnStatusOk;
 }
