@@ -45,7 +45,6 @@ constexpr signed char kTile[31] = { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 8,
    direct limit, in place included, and tiles no larger than the reported
    buffer above. */
 constexpr int kDirectLimit = 13;
-constexpr int kLeafRoom = 0;
 constexpr int kWholeInWork = -1;
 /* Outer order by core order of the reported work memory: 0 below 12, and
    at 10 and 11, which report 16 bytes. */
