@@ -25,6 +25,7 @@
 
 #include <string.h>
 
+#include "fft/codelet.h"
 #include "fft/engine.h"
 #include "fft/pair.h"
 
@@ -77,15 +78,19 @@ inline void storeSplit4(double* w, V y0, V y1, V y2, V y3)
     st(w + 6, unpackHi(y2, y3));
 }
 
+template <int R>
+using Radix = std::integral_constant<int, R>;
+
 /* First pass: the DFT of 4 (even k) or 8 (odd k) natural-order inputs per
-   group, input j of group i at in(i, j); results to w in pair-split form.
-   The group's inputs are all loaded before its stores, so in may read the
-   positions it writes. */
+   group, input j of group i at in(Radix<R>, i, j); results to w in
+   pair-split form.  The group's inputs are all loaded before its stores,
+   so in may read the positions it writes. */
 template <bool Inv, typename In>
-void firstPass(double* w, int k, In in)
+void firstPass(double* w, int k, In in4)
 {
     const int64_t n = int64_t(1) << k;
     if ((k & 1) == 0) {
+        auto in = [&](int64_t i, int j) { return in4(Radix<4>{}, i, j); };
         for (int64_t i = 0; i < n / 4; ++i) {
             V y0, y1, y2, y3;
             dft4<Inv>(ld(in(i, 0)), ld(in(i, 1)), ld(in(i, 2)), ld(in(i, 3)), y0, y1, y2, y3);
@@ -93,6 +98,7 @@ void firstPass(double* w, int k, In in)
         }
         return;
     }
+    auto in = [&](int64_t i, int j) { return in4(Radix<8>{}, i, j); };
     const V h = set1(0.7071067811865476);
     for (int64_t i = 0; i < n / 8; ++i) {
         V e0, e1, e2, e3, o0, o1, o2, o3;
@@ -106,6 +112,73 @@ void firstPass(double* w, int k, In in)
         storeSplit4(w + 16 * i, add(e0, o0), add(e1, o1), add(e2, o2), add(e3, o3));
         storeSplit4(w + 16 * i + 8, sub(e0, o0), sub(e1, o1), sub(e2, o2), sub(e3, o3));
     }
+}
+
+/* The whole transform of order 4 by the scalar 16-point codelet, input j
+   at in(Radix<16>, 0, j), the result interleaved to out.  All inputs are
+   loaded before the first store, so out may be the input. */
+template <bool Inv, typename In>
+__attribute__((flatten)) void codeletOrder4(double* out, In in)
+{
+    using codelet::Cx;
+    Cx x[16];
+    codelet::unroll<16>([&](auto j) {
+        const double* p = in(Radix<16>{}, 0, j);
+        x[j] = Cx{ p[0], p[1] };
+    });
+    codelet::dft16<Inv>(x, x);
+    codelet::unroll<16>([&](auto m) {
+        out[2 * m] = x[m].r;
+        out[2 * m + 1] = x[m].i;
+    });
+}
+
+/* The first four stages of an even order k by 16-point codelets, two
+   groups at a time: group g in the low lanes and group
+   g + G/2 in the high lanes (G groups), so that the DFT runs on pairs with
+   no shuffle, and only the loads and the stores to pair-split form
+   transpose.  Input j of group g at in(Radix<16>, g, j). */
+template <bool Inv, typename In>
+__attribute__((flatten)) void codeletPairs(double* w, int k, In in)
+{
+    using C = codelet::CxT<V>;
+    const int64_t n = int64_t(1) << k, half = n / 32;
+    for (int64_t g = 0; g < half; ++g) {
+        C x[16];
+        codelet::unroll<16>([&](auto j) {
+            const V a = ld(in(Radix<16>{}, g, j)), b = ld(in(Radix<16>{}, g + half, j));
+            x[j] = C{ unpackLo(a, b), unpackHi(a, b) };
+        });
+        codelet::dft16<Inv>(x, x);
+        double* o0 = w + 32 * g;
+        double* o1 = o0 + n;
+        codelet::unroll<8>([&](auto m) {
+            const C y0 = x[2 * m], y1 = x[2 * m + 1];
+            st(o0 + 4 * m, unpackLo(y0.r, y1.r));
+            st(o0 + 4 * m + 2, unpackLo(y0.i, y1.i));
+            st(o1 + 4 * m, unpackHi(y0.r, y1.r));
+            st(o1 + 4 * m + 2, unpackHi(y0.i, y1.i));
+        });
+    }
+}
+
+/* The first stages of a kernel of order k: the radix-4/8 pass, or, where
+   the column runs them, the 16-point codelets.  Returns the order of the
+   first radix-4 pass still to run (above k when nothing is left, in which
+   case the result is interleaved in out). */
+template <bool Inv, typename In>
+int firstStages(double* w, double* out, int k, In in)
+{
+    if (kScalarOrder4 && k == 4) {
+        codeletOrder4<Inv>(out, in);
+        return k + 1;
+    }
+    if ((k & 1) == 0 && k >= kPairCodeletsFrom) {
+        codeletPairs<Inv>(w, k, in);
+        return 6;
+    }
+    firstPass<Inv>(w, k, in);
+    return 4 + (k & 1);
 }
 
 /* ---- radix-4 passes in pair-split form ---------------------------------- */
@@ -160,13 +233,17 @@ void pass(double* w, int64_t n, int s, const double* sec, double* out)
     }
 }
 
-/* The passes after the first: the sections in order, the last one writing
-   out (interleaved or pair-split). */
+/* The passes after the first stages, from order s: the sections in order
+   (those below s skipped), the last one writing out (interleaved or
+   pair-split).  Nothing runs when s is above k. */
 template <bool Inv>
-void passes(double* w, int k, const double* tw, double* out, bool interleave)
+void passes(double* w, int k, int s, const double* tw, double* out, bool interleave)
 {
     const int64_t n = int64_t(1) << k;
-    int s = 4 + (k & 1);
+    if (s > k)
+        return;
+    for (int skip = 4 + (k & 1); skip < s; skip += 2)
+        tw += 3 * (int64_t(1) << skip) / 2;
     for (; s < k; s += 2) {
         pass<Inv, false>(w, n, s, tw, w);
         tw += 3 * (int64_t(1) << s) / 2;   /* 2^s / 4 entries of six doubles */
@@ -178,7 +255,9 @@ void passes(double* w, int k, const double* tw, double* out, bool interleave)
 }
 
 /* Fused kernel: src (natural order) to dst, order 4 up to the direct limit.
-   The work area is dst when the arrays differ, else the buffer. */
+   The work area is dst when the arrays differ, else the buffer.  A group
+   of R inputs starts at the bit reversal of its index on k - log2 R bits,
+   which is the table's entry (R / 4) g, and steps by N / R. */
 template <bool Inv>
 void fused(const Omn64fc* src, Omn64fc* dst, int k, const OmnFftSpecRecord* spec, double* work)
 {
@@ -186,29 +265,30 @@ void fused(const Omn64fc* src, Omn64fc* dst, int k, const OmnFftSpecRecord* spec
     const Omn32s* rev = static_cast<const Omn32s*>(spec->bitRev);
     const double* s = reinterpret_cast<const double*>(src);
     double* w = src != dst ? reinterpret_cast<double*>(dst) : work;
-    if ((k & 1) == 0) {
-        const int64_t quarter = n / 4;
-        firstPass<Inv>(w, k, [&](int64_t i, int j) { return s + 2 * (rev[i] / 2 + j * quarter); });
-    } else {
-        /* rev of i on k - 3 bits is the table's entry 2i. */
-        const int64_t eighth = n / 8;
-        firstPass<Inv>(w, k, [&](int64_t i, int j) { return s + 2 * (rev[2 * i] / 2 + j * eighth); });
-    }
-    passes<Inv>(w, k, static_cast<const double*>(spec->leafTwiddle), reinterpret_cast<double*>(dst), true);
+    double* out = reinterpret_cast<double*>(dst);
+    const int next = firstStages<Inv>(w, out, k, [&](auto R, int64_t g, int j) {
+        return s + rev[(R / 4) * g] + 2 * j * (n / R);
+    });
+    passes<Inv>(w, k, next, static_cast<const double*>(spec->leafTwiddle), out, true);
+}
+
+/* j with its low log2 R bits reversed. */
+constexpr int reverseLow(int j, int r)
+{
+    int v = 0;
+    for (int b = 1; b < r; b <<= 1, j >>= 1)
+        v = (v << 1) | (j & 1);
+    return v;
 }
 
 /* Leaf kernel over an already permuted row of order k, in place; the
-   result stays in pair-split form unless interleave is set. */
+   result stays in pair-split form unless interleave is set.  Input j of
+   group g stands at R g + the reversal of j. */
 template <bool Inv>
 void leaf(double* d, int k, const double* tw, bool interleave = false)
 {
-    static const int rev2[4] = { 0, 2, 1, 3 };
-    static const int rev3[8] = { 0, 4, 2, 6, 1, 5, 3, 7 };
-    if ((k & 1) == 0)
-        firstPass<Inv>(d, k, [&](int64_t i, int j) { return d + 2 * (4 * i + rev2[j]); });
-    else
-        firstPass<Inv>(d, k, [&](int64_t i, int j) { return d + 2 * (8 * i + rev3[j]); });
-    passes<Inv>(d, k, tw, d, interleave);
+    const int next = firstStages<Inv>(d, d, k, [&](auto R, int64_t g, int j) { return d + 2 * (R * g + reverseLow(j, R)); });
+    passes<Inv>(d, k, next, tw, d, interleave);
 }
 
 /* Leaf kernel that gathers its row straight from the natural-order source
@@ -221,15 +301,10 @@ template <bool Inv>
 void leafGather(const double* src, int64_t stride, double* out, int c, const double* tw, const Omn32s* rev, int shift)
 {
     const int64_t cn = int64_t(1) << c;
-    if ((c & 1) == 0) {
-        const int64_t quarter = cn / 4;
-        firstPass<Inv>(out, c, [&](int64_t i, int j) { return src + 2 * stride * (rev[i << shift] / 2 + j * quarter); });
-    } else {
-        const int64_t eighth = cn / 8;
-        firstPass<Inv>(out, c,
-                       [&](int64_t i, int j) { return src + 2 * stride * (rev[(2 * i) << shift] / 2 + j * eighth); });
-    }
-    passes<Inv>(out, c, tw, out, false);
+    const int next = firstStages<Inv>(out, out, c, [&](auto R, int64_t g, int j) {
+        return src + stride * (rev[((R / 4) * g) << shift] + 2 * j * (cn / R));
+    });
+    passes<Inv>(out, c, next, tw, out, false);
 }
 
 inline int64_t reverseBits(int64_t v, int bits)

@@ -537,11 +537,12 @@ TEST_P(FftTest, KnownSpectraAndRoundTripsToOrder20)
     }
 }
 
-// The orders at which a column changes its shape: px/a6 direct up to 13 (in
-// place without work memory), blocked from 14, with a radix-2 outer pass at
-// 18 and two levels at 22; w7 in place through the work memory up to 13,
-// direct at 14 (in place without it), blocked from 15; t7 direct up to 14,
-// blocked from 15.  Each against its exact spectrum, and in place, out of place
+// The orders at which a column changes its shape: px/a6 one scalar codelet
+// at 4, direct up to 13 (in place without work memory), blocked from 14,
+// with a radix-2 outer pass at 18 and two levels at 22; w7 in place through
+// the work memory up to 13, direct at 14 (in place without it, first stages
+// by codelets on pairs), blocked from 15; t7 direct up to 14 (codelets on
+// pairs at 14), blocked from 15.  Each against its exact spectrum, and in place, out of place
 // and with an offset dst giving the same bits.
 struct Shape {
     int col;
@@ -550,7 +551,7 @@ struct Shape {
 };
 
 const Shape kShapes[] = {
-    { 0, 9, "px_direct" },         { 0, 13, "px_direct" },        { 0, 14, "px_blocked" },
+    { 0, 4, "px_codelet" },        { 1, 4, "a6_codelet" },        { 0, 9, "px_direct" },         { 0, 13, "px_direct" },        { 0, 14, "px_blocked" },
     { 0, 18, "px_odd_outer" },     { 0, 22, "px_two_levels" },    { 1, 13, "a6_direct" },
     { 1, 14, "a6_blocked" },       { 2, 13, "w7_direct" },        { 2, 14, "w7_direct_in_dst" },
     { 2, 15, "w7_blocked" },       { 2, 22, "w7_two_levels" },    { 3, 14, "t7_direct" },
