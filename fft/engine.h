@@ -110,19 +110,10 @@ void transform(const Omn64fc* src, Omn64fc* dst, const OmnFftSpecRecord* spec, i
                double* work);
 
 /* The same transform of order 4 and up over data that stand in dst in
-   bit-reversed order already: element z of the input at permutedIndex(z). */
+   bit-reversed order already: element 4i + m of the permuted array is
+   input z = rev(i) + off(m) N/4, off = 0, 2, 1, 3, where bitRev holds
+   2 rev(i) at entry i and rev is its own inverse. */
 void transformPermuted(Omn64fc* dst, const OmnFftSpecRecord* spec, int k, bool inv, bool scaled, double* work);
-
-/* Where the permutation puts element z of a core of order k (4 and up):
-   element 4i + m of the permuted array is z = rev(i) + off(m) N/4, off =
-   0, 2, 1, 3, and bitRev holds 2 rev(i) at entry i; rev is its own
-   inverse. */
-inline int64_t permutedIndex(const Omn32s* bitRev, int k, int64_t z)
-{
-    const int shift = k - 2;
-    const int64_t t = z >> shift, r = z & ((int64_t(1) << shift) - 1);
-    return 2 * int64_t(bitRev[r]) + ((t >> 1) | ((t & 1) << 1));
-}
 
 /* Work memory of a transform of order 4 and up: none when bufSize is 0,
    else the caller's buffer moved up to 16 bytes, or (null buffer) a block

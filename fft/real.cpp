@@ -149,16 +149,13 @@ void recombineForward(double* d, size_t m, const double* t)
     }
 }
 
-/* Perm to the Z of the inverse core, element z going to d at place(z).
-   The Perm values are s[i - shift] for i from 2 on, with R0 and R(N/2)
-   given apart: Perm itself has shift 0, Pack shift 1 (s may equal d only
-   for Perm in natural places). */
-template <typename Place>
-void recombineInverse(const double* s, int shift, double r0, double rHalf, double* d, size_t m,
-                      const double* t, Place place)
+/* Perm to the Z of the inverse core in natural order in d.  The Perm
+   values are s[i - shift] for i from 2 on, with R0 and R(N/2) given apart:
+   Perm itself has shift 0, Pack shift 1 (s may equal d only for Perm). */
+void recombineInverse(const double* s, int shift, double r0, double rHalf, double* d, size_t m, const double* t)
 {
-    d[2 * place(0)] = r0 + rHalf;
-    d[2 * place(0) + 1] = r0 - rHalf;
+    d[0] = r0 + rHalf;
+    d[1] = r0 - rHalf;
     for (size_t k = 1; k < m / 2; k += 2, t += 4) {
         const size_t j = m - k;
         const V C = ld(t), S = ld(t + 2);
@@ -169,10 +166,61 @@ void recombineInverse(const double* s, int shift, double r0, double rHalf, doubl
         const V P = sub(mul(S, amb), mul(C, cpe));
         const V Q = add(mul(amb, C), mul(cpe, S));
         const V kre = add(apb, P), kim = add(cme, Q), jre = sub(apb, P), jim = sub(Q, cme);
-        st(d + 2 * place(k), unpackLo(kre, kim));
-        st(d + 2 * place(k + 1), unpackHi(kre, kim));
-        st(d + 2 * place(j), unpackLo(jre, jim));
-        st(d + 2 * place(j - 1), unpackHi(jre, jim));
+        storeInterleaved(d + 2 * k, Split{ kre, kim });
+        st(d + 2 * j, unpackLo(jre, jim));
+        st(d + 2 * (j - 1), unpackHi(jre, jim));
+    }
+}
+
+/* One mirror pair of the inverse recombination, one value at a time: X_k
+   and X_j (j = M - k, 1 <= k <= M/2) from s to Z_k at zk and Z_j at zj,
+   with the factors of k from the pair table. */
+inline void inversePair(const double* s, int shift, size_t k, size_t m, const double* t, double* zk, double* zj)
+{
+    const size_t j = m - k, g = 4 * ((k - 1) / 2) + ((k - 1) & 1);
+    const double C = t[g], S = t[g + 2];
+    const double a = s[2 * k - shift], c = s[2 * k + 1 - shift], b = s[2 * j - shift], e = s[2 * j + 1 - shift];
+    const double amb = a - b, cpe = c + e, apb = a + b, cme = c - e;
+    const double P = S * amb - C * cpe;
+    const double Q = amb * C + cpe * S;
+    zk[0] = apb + P;
+    zk[1] = cme + Q;
+    zj[0] = apb - P;
+    zj[1] = Q - cme;
+}
+
+/* The same into the bit-reversed places the core of order kc reads
+   (s and d apart).  Element z = R + u M/4 stands at 4 rev(R) + off(u),
+   off = 0, 2, 1, 3, and its mirror M - z = R' + (3 - u) M/4 with R' = M/4 - R,
+   so the walk goes by groups of four places: a group and its mirror group
+   take two table reads, and no place is computed element by element. */
+void recombineInversePermuted(const double* s, int shift, double r0, double rHalf, double* d, size_t m,
+                              const double* t, const Omn32s* rev)
+{
+    static const int off[4] = { 0, 2, 1, 3 };
+    const size_t q = m / 4;
+    for (size_t i = 0; i < q; ++i) {
+        const size_t r = static_cast<uint32_t>(rev[i]) / 2, rm = (q - r) & (q - 1);
+        if (rm < r)
+            continue;   /* done with its mirror group */
+        double* g0 = d + 8 * i;
+        if (r == 0) {
+            /* Z0, then the middle term M/2 (its own mirror), then M/4 with 3M/4. */
+            g0[0] = r0 + rHalf;
+            g0[1] = r0 - rHalf;
+            inversePair(s, shift, 2 * q, m, t, g0 + 2 * off[2], g0 + 2 * off[2]);
+            inversePair(s, shift, q, m, t, g0 + 2 * off[1], g0 + 2 * off[3]);
+        } else if (r == rm) {
+            /* r = M/8: the group is its own mirror. */
+            inversePair(s, shift, r, m, t, g0 + 2 * off[0], g0 + 2 * off[3]);
+            inversePair(s, shift, r + q, m, t, g0 + 2 * off[1], g0 + 2 * off[2]);
+        } else {
+            double* g1 = d + 8 * (static_cast<uint32_t>(rev[rm]) / 2);
+            inversePair(s, shift, r, m, t, g0 + 2 * off[0], g1 + 2 * off[3]);
+            inversePair(s, shift, r + q, m, t, g0 + 2 * off[1], g1 + 2 * off[2]);
+            inversePair(s, shift, rm, m, t, g1 + 2 * off[0], g0 + 2 * off[3]);
+            inversePair(s, shift, rm + q, m, t, g1 + 2 * off[1], g0 + 2 * off[2]);
+        }
     }
 }
 
@@ -263,13 +311,12 @@ OmnStatus inverse(const double* pSrc, double* pDst, const OmnRealFftSpec* spec, 
         const double rHalf = pack ? pSrc[n - 1] : pSrc[1];
         const int shift = pack ? 1 : 0;
         if (k <= kWholeInWork) {
-            recombineInverse(pSrc, shift, pSrc[0], rHalf, work, m, t, [](size_t z) { return z; });
+            recombineInverse(pSrc, shift, pSrc[0], rHalf, work, m, t);
             transform(reinterpret_cast<const Omn64fc*>(work), reinterpret_cast<Omn64fc*>(pDst), spec, k, true,
                       scaled, nullptr);
         } else {
-            const Omn32s* rev = static_cast<const Omn32s*>(spec->bitRev);
-            recombineInverse(pSrc, shift, pSrc[0], rHalf, pDst, m, t,
-                             [rev, k](size_t z) { return size_t(permutedIndex(rev, k, int64_t(z))); });
+            recombineInversePermuted(pSrc, shift, pSrc[0], rHalf, pDst, m, t,
+                                     static_cast<const Omn32s*>(spec->bitRev));
             transformPermuted(reinterpret_cast<Omn64fc*>(pDst), spec, k, true, scaled, work);
         }
         common::omnsFree(own);
@@ -284,7 +331,7 @@ OmnStatus inverse(const double* pSrc, double* pDst, const OmnRealFftSpec* spec, 
         kRealSmall[1][scaled][order](src, pDst, spec->scale);
         return omnStatusOk;
     }
-    recombineInverse(src, 0, src[0], src[1], pDst, m, t, [](size_t z) { return z; });
+    recombineInverse(src, 0, src[0], src[1], pDst, m, t);
     Omn64fc* z = reinterpret_cast<Omn64fc*>(pDst);
     transform(z, z, spec, order - 1, true, scaled, work);
     common::omnsFree(own);
