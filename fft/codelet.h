@@ -1,6 +1,6 @@
 /*
- * codelet.h - straight-line 16-point DFT, for the first stages
- * of the complex kernel.  Every twiddle is a compile-time constant, so the
+ * codelet.h - a straight-line 16-point DFT, for the first stages of the
+ * complex kernel.  Every twiddle is a compile-time constant, so the
  * trivial ones (1, -i, the eighth roots) cost no general multiplication.
  * The lanes are doubles (one complex value each) or pairs of doubles (two
  * independent transforms side by side, with no shuffle inside the DFT).
@@ -47,36 +47,28 @@ inline void unroll(F&& f)
     unrollSeq(f, std::make_integer_sequence<int, N>{});
 }
 
-/* cos(2 pi e / 32) for e = 0 .. 8 (the 16-point DFT uses the even ones). */
-constexpr double kCos32[9] = { 1.0,
-                               0.98078528040323044913,
-                               0.92387953251128675613,
-                               0.83146961230254523708,
-                               0.70710678118654752440,
-                               0.55557023301960222474,
-                               0.38268343236508977173,
-                               0.19509032201612826785,
-                               0.0 };
+/* cos(2 pi e / 16) for e = 0 .. 4. */
+constexpr double kCos16[5] = { 1.0, 0.92387953251128675613, 0.70710678118654752440, 0.38268343236508977173, 0.0 };
 
-/* z W(32)^E forward, z conj(W(32)^E) inverse, W(32) = exp(-2 pi i / 32). */
+/* z W(16)^E forward, z conj(W(16)^E) inverse, W(16) = exp(-2 pi i / 16). */
 template <int E, bool Inv, typename T>
-inline CxT<T> mulW32(CxT<T> z)
+inline CxT<T> mulW16(CxT<T> z)
 {
-    constexpr int e = E & 31;
-    if constexpr (e >= 16) {
-        const CxT<T> m = mulW32<e - 16, Inv>(z);
+    constexpr int e = E & 15;
+    if constexpr (e >= 8) {
+        const CxT<T> m = mulW16<e - 8, Inv>(z);
         return CxT<T>{ neg(m.r), neg(m.i) };
-    } else if constexpr (e >= 8) {
-        /* W^8 = -i forward, +i inverse */
-        const CxT<T> m = mulW32<e - 8, Inv>(z);
+    } else if constexpr (e >= 4) {
+        /* W^4 = -i forward, +i inverse */
+        const CxT<T> m = mulW16<e - 4, Inv>(z);
         return Inv ? CxT<T>{ neg(m.i), m.r } : CxT<T>{ m.i, neg(m.r) };
     } else if constexpr (e == 0) {
         return z;
-    } else if constexpr (e == 4) {
-        const T h = konst(kCos32[4], z.r);
+    } else if constexpr (e == 2) {
+        const T h = konst(kCos16[2], z.r);
         return Inv ? CxT<T>{ (z.r - z.i) * h, (z.i + z.r) * h } : CxT<T>{ (z.r + z.i) * h, (z.i - z.r) * h };
     } else {
-        const T c = konst(kCos32[e], z.r), s = konst(kCos32[8 - e], z.r);
+        const T c = konst(kCos16[e], z.r), s = konst(kCos16[4 - e], z.r);
         /* forward z (c - i s), inverse z (c + i s) */
         return Inv ? CxT<T>{ z.r * c - z.i * s, z.i * c + z.r * s } : CxT<T>{ z.r * c + z.i * s, z.i * c - z.r * s };
     }
@@ -106,7 +98,7 @@ inline void dft16(const CxT<T>* x, CxT<T>* y)
 {
     CxT<T> a[4][4];
     unroll<4>([&](auto n1) { dft4<Inv>(x[n1], x[n1 + 4], x[n1 + 8], x[n1 + 12], a[n1][0], a[n1][1], a[n1][2], a[n1][3]); });
-    unroll<4>([&](auto n1) { unroll<4>([&](auto k1) { a[n1][k1] = mulW32<2 * n1 * k1, Inv>(a[n1][k1]); }); });
+    unroll<4>([&](auto n1) { unroll<4>([&](auto k1) { a[n1][k1] = mulW16<n1 * k1, Inv>(a[n1][k1]); }); });
     unroll<4>([&](auto k1) { dft4<Inv>(a[0][k1], a[1][k1], a[2][k1], a[3][k1], y[k1], y[k1 + 4], y[k1 + 8], y[k1 + 12]); });
 }
 

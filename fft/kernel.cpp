@@ -82,15 +82,15 @@ template <int R>
 using Radix = std::integral_constant<int, R>;
 
 /* First pass: the DFT of 4 (even k) or 8 (odd k) natural-order inputs per
-   group, input j of group i at in(Radix<R>, i, j); results to w in
+   group, input j of group i at at(Radix<R>, i, j); results to w in
    pair-split form.  The group's inputs are all loaded before its stores,
    so in may read the positions it writes. */
 template <bool Inv, typename In>
-void firstPass(double* w, int k, In in4)
+void firstPass(double* w, int k, In at)
 {
     const int64_t n = int64_t(1) << k;
     if ((k & 1) == 0) {
-        auto in = [&](int64_t i, int j) { return in4(Radix<4>{}, i, j); };
+        auto in = [&](int64_t i, int j) { return at(Radix<4>{}, i, j); };
         for (int64_t i = 0; i < n / 4; ++i) {
             V y0, y1, y2, y3;
             dft4<Inv>(ld(in(i, 0)), ld(in(i, 1)), ld(in(i, 2)), ld(in(i, 3)), y0, y1, y2, y3);
@@ -98,7 +98,7 @@ void firstPass(double* w, int k, In in4)
         }
         return;
     }
-    auto in = [&](int64_t i, int j) { return in4(Radix<8>{}, i, j); };
+    auto in = [&](int64_t i, int j) { return at(Radix<8>{}, i, j); };
     const V h = set1(0.7071067811865476);
     for (int64_t i = 0; i < n / 8; ++i) {
         V e0, e1, e2, e3, o0, o1, o2, o3;

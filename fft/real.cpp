@@ -149,6 +149,21 @@ void recombineForward(double* d, size_t m, const double* t)
     }
 }
 
+/* The inverse recombination of X_k = a + i c and its mirror X_j = b + i e
+   (j = M - k) with the factors C, S of k: Z_k = kre + i kim and Z_j = jre +
+   i jim.  On doubles (one k) or on pairs (k and k + 1 with j and j - 1). */
+template <typename T>
+inline void inverseStep(T a, T c, T b, T e, T C, T S, T& kre, T& kim, T& jre, T& jim)
+{
+    const T amb = a - b, cpe = c + e, apb = a + b, cme = c - e;
+    const T P = S * amb - C * cpe;
+    const T Q = amb * C + cpe * S;
+    kre = apb + P;
+    kim = cme + Q;
+    jre = apb - P;
+    jim = Q - cme;
+}
+
 /* Perm to the Z of the inverse core in natural order in d.  The Perm
    values are s[i - shift] for i from 2 on, with R0 and R(N/2) given apart:
    Perm itself has shift 0, Pack shift 1 (s may equal d only for Perm). */
@@ -161,11 +176,8 @@ void recombineInverse(const double* s, int shift, double r0, double rHalf, doubl
         const V C = ld(t), S = ld(t + 2);
         const Split x = loadInterleaved(s + 2 * k - shift);
         const V y1 = ld(s + 2 * (j - 1) - shift), y0 = ld(s + 2 * j - shift);
-        const V a = x.re, c = x.im, b = unpackLo(y0, y1), e = unpackHi(y0, y1);
-        const V amb = sub(a, b), cpe = add(c, e), apb = add(a, b), cme = sub(c, e);
-        const V P = sub(mul(S, amb), mul(C, cpe));
-        const V Q = add(mul(amb, C), mul(cpe, S));
-        const V kre = add(apb, P), kim = add(cme, Q), jre = sub(apb, P), jim = sub(Q, cme);
+        V kre, kim, jre, jim;
+        inverseStep(x.re, x.im, unpackLo(y0, y1), unpackHi(y0, y1), C, S, kre, kim, jre, jim);
         storeInterleaved(d + 2 * k, Split{ kre, kim });
         st(d + 2 * j, unpackLo(jre, jim));
         st(d + 2 * (j - 1), unpackHi(jre, jim));
@@ -179,17 +191,11 @@ inline void inversePair(const double* s, int shift, size_t k, size_t m, const do
 {
     const size_t j = m - k, g = 4 * ((k - 1) / 2) + ((k - 1) & 1);
     const double C = t[g], S = t[g + 2];
-    const double a = s[2 * k - shift], c = s[2 * k + 1 - shift], b = s[2 * j - shift], e = s[2 * j + 1 - shift];
-    const double amb = a - b, cpe = c + e, apb = a + b, cme = c - e;
-    const double P = S * amb - C * cpe;
-    const double Q = amb * C + cpe * S;
-    zk[0] = apb + P;
-    zk[1] = cme + Q;
-    zj[0] = apb - P;
-    zj[1] = Q - cme;
+    inverseStep(s[2 * k - shift], s[2 * k + 1 - shift], s[2 * j - shift], s[2 * j + 1 - shift], C, S, zk[0], zk[1],
+                zj[0], zj[1]);
 }
 
-/* The same into the bit-reversed places the core of order kc reads
+/* The same into the bit-reversed places the core reads
    (s and d apart).  Element z = R + u M/4 stands at 4 rev(R) + off(u),
    off = 0, 2, 1, 3, and its mirror M - z = R' + (3 - u) M/4 with R' = M/4 - R,
    so the walk goes by groups of four places: a group and its mirror group
