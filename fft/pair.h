@@ -26,9 +26,9 @@ inline V set1(double x) { return pd::set1(x); }
 using pd::unpackHi;   /* (a.hi, b.hi) */
 using pd::unpackLo;   /* (a.lo, b.lo) */
 inline V swapHalves(V a) { return pd::swap(a); }
-/* (x0, -x1) and (-x0, x1) by the sign bit. */
-inline V negHi(V a) { return a ^ pd::fromBits2(0, 0x8000000000000000ull); }
-inline V negLo(V a) { return a ^ pd::fromBits2(0x8000000000000000ull, 0); }
+/* (x0, -x1) and (-x0, x1). */
+using pd::negHi;
+using pd::negLo;
 
 struct Split {
     V re, im;

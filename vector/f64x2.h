@@ -88,6 +88,9 @@ inline Pd operator&(Pd a, Pd b) { return { _mm_and_pd(a.v, b.v) }; }
 inline Pd operator|(Pd a, Pd b) { return { _mm_or_pd(a.v, b.v) }; }
 inline Pd operator^(Pd a, Pd b) { return { _mm_xor_pd(a.v, b.v) }; }
 inline Pd andNot(Pd a, Pd b) { return { _mm_andnot_pd(a.v, b.v) }; }   /* ~a & b */
+/* One lane negated (its sign bit flipped). */
+inline Pd negLo(Pd a) { return { _mm_xor_pd(a.v, _mm_set_pd(0.0, -0.0)) }; }
+inline Pd negHi(Pd a) { return { _mm_xor_pd(a.v, _mm_set_pd(-0.0, 0.0)) }; }
 
 /* Comparisons give all-ones lanes where they hold. */
 inline Pd cmpEq(Pd a, Pd b) { return { _mm_cmpeq_pd(a.v, b.v) }; }
@@ -182,6 +185,12 @@ inline Pd operator&(Pd a, Pd b) { return bitwise(a, b, 0); }
 inline Pd operator|(Pd a, Pd b) { return bitwise(a, b, 1); }
 inline Pd operator^(Pd a, Pd b) { return bitwise(a, b, 2); }
 inline Pd andNot(Pd a, Pd b) { return bitwise(a, b, 3); }
+/* One lane negated.  Negation flips the sign bit as the bit operation
+   would, but stays floating-point arithmetic, so that the compiler can
+   fold a negated addend into a subtraction instead of moving the value
+   through an integer register. */
+inline Pd negLo(Pd a) { return { -a.l, a.h }; }
+inline Pd negHi(Pd a) { return { a.l, -a.h }; }
 
 inline double maskOf(bool c) { return fromBits(c ? ~0ull : 0ull); }
 inline Pd cmpEq(Pd a, Pd b) { return { maskOf(a.l == b.l), maskOf(a.h == b.h) }; }
