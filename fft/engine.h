@@ -115,6 +115,14 @@ void transform(const Omn64fc* src, Omn64fc* dst, const OmnFftSpecRecord* spec, i
    2 rev(i) at entry i and rev is its own inverse. */
 void transformPermuted(Omn64fc* dst, const OmnFftSpecRecord* spec, int k, bool inv, bool scaled, double* work);
 
+/* The core of a real inverse with the recombination taken into its first
+   pass, from the Perm or Pack values to dst (out of place), order k at
+   most the direct limit where recombinesInFirstPass(k).  The recombined
+   values never stand in memory, and no permutation runs. */
+struct InverseInput;
+bool recombinesInFirstPass(int k);
+void transformInverseRecombined(const InverseInput& x, Omn64fc* dst, const OmnFftSpecRecord* spec, int k, bool scaled);
+
 /* Work memory of a transform of order 4 and up: none when bufSize is 0,
    else the caller's buffer moved up to 16 bytes, or (null buffer) a block
    of bufSize bytes that the caller of this function frees through *own

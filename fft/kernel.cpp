@@ -28,6 +28,7 @@
 #include "fft/codelet.h"
 #include "fft/engine.h"
 #include "fft/pair.h"
+#include "fft/recombine.h"
 
 OMN_COLUMN_BEGIN
 namespace fft {
@@ -81,36 +82,93 @@ inline void storeSplit4(double* w, V y0, V y1, V y2, V y3)
 template <int R>
 using Radix = std::integral_constant<int, R>;
 
+/* A first-pass group: the DFT of 4 natural-order inputs x(0) to x(3), or
+   of 8 with h = (cos pi/4, cos pi/4); results to w in pair-split form.
+   All inputs are read before the first store, so x may read the places
+   the group writes. */
+template <bool Inv, typename X>
+inline void group4(double* w, X x)
+{
+    V y0, y1, y2, y3;
+    dft4<Inv>(x(0), x(1), x(2), x(3), y0, y1, y2, y3);
+    storeSplit4(w, y0, y1, y2, y3);
+}
+
+template <bool Inv, typename X>
+inline void group8(double* w, X x, V h)
+{
+    V e0, e1, e2, e3, o0, o1, o2, o3;
+    const V x0 = x(0), x1 = x(1), x2 = x(2), x3 = x(3), x4 = x(4), x5 = x(5), x6 = x(6), x7 = x(7);
+    dft4<Inv>(x0, x2, x4, x6, e0, e1, e2, e3);
+    dft4<Inv>(x1, x3, x5, x7, o0, o1, o2, o3);
+    o1 = mulW8<Inv>(o1, h);
+    o2 = rotI<Inv>(o2);
+    o3 = mulW83<Inv>(o3, h);
+    storeSplit4(w, add(e0, o0), add(e1, o1), add(e2, o2), add(e3, o3));
+    storeSplit4(w + 8, sub(e0, o0), sub(e1, o1), sub(e2, o2), sub(e3, o3));
+}
+
 /* First pass: the DFT of 4 (even k) or 8 (odd k) natural-order inputs per
    group, input j of group i at at(Radix<R>, i, j); results to w in
-   pair-split form.  The group's inputs are all loaded before its stores,
-   so in may read the positions it writes. */
+   pair-split form. */
 template <bool Inv, typename In>
 void firstPass(double* w, int k, In at)
 {
     const int64_t n = int64_t(1) << k;
     if ((k & 1) == 0) {
-        auto in = [&](int64_t i, int j) { return at(Radix<4>{}, i, j); };
-        for (int64_t i = 0; i < n / 4; ++i) {
-            V y0, y1, y2, y3;
-            dft4<Inv>(ld(in(i, 0)), ld(in(i, 1)), ld(in(i, 2)), ld(in(i, 3)), y0, y1, y2, y3);
-            storeSplit4(w + 8 * i, y0, y1, y2, y3);
-        }
+        for (int64_t i = 0; i < n / 4; ++i)
+            group4<Inv>(w + 8 * i, [&](int j) { return ld(at(Radix<4>{}, i, j)); });
         return;
     }
-    auto in = [&](int64_t i, int j) { return at(Radix<8>{}, i, j); };
     const V h = set1(0.7071067811865476);
-    for (int64_t i = 0; i < n / 8; ++i) {
-        V e0, e1, e2, e3, o0, o1, o2, o3;
-        const V x0 = ld(in(i, 0)), x1 = ld(in(i, 1)), x2 = ld(in(i, 2)), x3 = ld(in(i, 3));
-        const V x4 = ld(in(i, 4)), x5 = ld(in(i, 5)), x6 = ld(in(i, 6)), x7 = ld(in(i, 7));
-        dft4<Inv>(x0, x2, x4, x6, e0, e1, e2, e3);
-        dft4<Inv>(x1, x3, x5, x7, o0, o1, o2, o3);
-        o1 = mulW8<Inv>(o1, h);
-        o2 = rotI<Inv>(o2);
-        o3 = mulW83<Inv>(o3, h);
-        storeSplit4(w + 16 * i, add(e0, o0), add(e1, o1), add(e2, o2), add(e3, o3));
-        storeSplit4(w + 16 * i + 8, sub(e0, o0), sub(e1, o1), sub(e2, o2), sub(e3, o3));
+    for (int64_t i = 0; i < n / 8; ++i)
+        group8<Inv>(w + 16 * i, [&](int j) { return ld(at(Radix<8>{}, i, j)); }, h);
+}
+
+/* The first pass of a real inverse's core of order k, R = 4 or 8 by the
+   parity of k, computing its inputs Z by the recombination instead of
+   reading them: group i takes Z at b + u M/R (u = 0 to R - 1), b = rev(i)
+   by the table, and the mirrors of those places, M - b - u M/R = b' +
+   (R - 1 - u) M/R with b' = M/R - b, make up the group of b'.  So the two
+   groups are done together from four (R = 4) or eight recombination steps,
+   and the recombined values never go to memory.  b = 0 and b = M/(2R)
+   are groups of their own. */
+template <bool Inv, int R>
+void firstPassRecombined(double* w, int k, const InverseInput& x, const Omn32s* rev)
+{
+    const size_t q = (size_t(1) << k) / R;
+    const V h = set1(0.7071067811865476);
+    auto run = [&](size_t i, const double* z) {
+        auto val = [&](int j) { return ld(z + 2 * j); };
+        if (R == 4)
+            group4<Inv>(w + 2 * R * i, val);
+        else
+            group8<Inv>(w + 2 * R * i, val, h);
+    };
+    for (size_t i = 0; i < q; ++i) {
+        const size_t b = static_cast<uint32_t>(rev[(R / 4) * i]) / 2, bm = (q - b) & (q - 1);
+        if (bm < b)
+            continue;   /* done with its mirror group */
+        double z0[2 * R], z1[2 * R];
+        if (b == 0) {
+            /* Z0, the middle term M/2 (its own mirror), and u M/R with
+               (R - u) M/R. */
+            x.zero(z0);
+            for (int u = 1; u <= R / 2; ++u)
+                x.pair(u * q, z0 + 2 * u, z0 + 2 * (R - u));
+            run(i, z0);
+        } else if (b == bm) {
+            for (int u = 0; u < R / 2; ++u)
+                x.pair(b + u * q, z0 + 2 * u, z0 + 2 * (R - 1 - u));
+            run(i, z0);
+        } else {
+            for (int u = 0; u < R / 2; ++u) {
+                x.pair(b + u * q, z0 + 2 * u, z1 + 2 * (R - 1 - u));
+                x.pair(bm + u * q, z1 + 2 * u, z0 + 2 * (R - 1 - u));
+            }
+            run(i, z0);
+            run(static_cast<uint32_t>(rev[(R / 4) * bm]) / 2, z1);
+        }
     }
 }
 
@@ -486,6 +544,37 @@ void transformPermuted(Omn64fc* dst, const OmnFftSpecRecord* spec, int k, bool i
         runPermuted<true>(dst, spec, k, scaled, work);
     else
         runPermuted<false>(dst, spec, k, scaled, work);
+}
+
+bool recombinesInFirstPass(int k)
+{
+    return k >= 4 && k <= kDirectLimit && ((k & 1) != 0 || k < kPairCodeletsFrom);
+}
+
+void transformInverseRecombined(const InverseInput& x, Omn64fc* dst, const OmnFftSpecRecord* spec, int k, bool scaled)
+{
+    double* out = reinterpret_cast<double*>(dst);
+    const Omn32s* rev = static_cast<const Omn32s*>(spec->bitRev);
+    int next;
+    if (kScalarOrder4 && k == 4) {
+        /* Sixteen values: recombined in natural order on the stack, then
+           the codelet. */
+        double z[32];
+        x.zero(z);
+        for (size_t u = 1; u <= 8; ++u)
+            x.pair(u, z + 2 * u, z + 2 * (16 - u));
+        codeletOrder4<true>(out, [&](auto, int64_t, int j) { return z + 2 * j; });
+        next = 5;
+    } else if (k & 1) {
+        firstPassRecombined<true, 8>(out, k, x, rev);
+        next = 5;
+    } else {
+        firstPassRecombined<true, 4>(out, k, x, rev);
+        next = 4;
+    }
+    passes<true>(out, k, next, static_cast<const double*>(spec->leafTwiddle), out, true);
+    if (scaled)
+        scaleDoubles(out, size_t(2) << k, spec->scale);
 }
 
 } // namespace fft

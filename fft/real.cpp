@@ -23,6 +23,7 @@
 #include "core/alloc.h"
 #include "fft/engine.h"
 #include "fft/pair.h"
+#include "fft/recombine.h"
 
 OMN_COLUMN_BEGIN
 namespace fft {
@@ -149,21 +150,6 @@ void recombineForward(double* d, size_t m, const double* t)
     }
 }
 
-/* The inverse recombination of X_k = a + i c and its mirror X_j = b + i e
-   (j = M - k) with the factors C, S of k: Z_k = kre + i kim and Z_j = jre +
-   i jim.  On doubles (one k) or on pairs (k and k + 1 with j and j - 1). */
-template <typename T>
-inline void inverseStep(T a, T c, T b, T e, T C, T S, T& kre, T& kim, T& jre, T& jim)
-{
-    const T amb = a - b, cpe = c + e, apb = a + b, cme = c - e;
-    const T P = S * amb - C * cpe;
-    const T Q = amb * C + cpe * S;
-    kre = apb + P;
-    kim = cme + Q;
-    jre = apb - P;
-    jim = Q - cme;
-}
-
 /* Perm to the Z of the inverse core in natural order in d.  The Perm
    values are s[i - shift] for i from 2 on, with R0 and R(N/2) given apart:
    Perm itself has shift 0, Pack shift 1 (s may equal d only for Perm). */
@@ -184,27 +170,15 @@ void recombineInverse(const double* s, int shift, double r0, double rHalf, doubl
     }
 }
 
-/* One mirror pair of the inverse recombination, one value at a time: X_k
-   and X_j (j = M - k, 1 <= k <= M/2) from s to Z_k at zk and Z_j at zj,
-   with the factors of k from the pair table. */
-inline void inversePair(const double* s, int shift, size_t k, size_t m, const double* t, double* zk, double* zj)
-{
-    const size_t j = m - k, g = 4 * ((k - 1) / 2) + ((k - 1) & 1);
-    const double C = t[g], S = t[g + 2];
-    inverseStep(s[2 * k - shift], s[2 * k + 1 - shift], s[2 * j - shift], s[2 * j + 1 - shift], C, S, zk[0], zk[1],
-                zj[0], zj[1]);
-}
-
 /* The same into the bit-reversed places the core reads
    (s and d apart).  Element z = R + u M/4 stands at 4 rev(R) + off(u),
    off = 0, 2, 1, 3, and its mirror M - z = R' + (3 - u) M/4 with R' = M/4 - R,
    so the walk goes by groups of four places: a group and its mirror group
    take two table reads, and no place is computed element by element. */
-void recombineInversePermuted(const double* s, int shift, double r0, double rHalf, double* d, size_t m,
-                              const double* t, const Omn32s* rev)
+void recombineInversePermuted(const InverseInput& x, double* d, const Omn32s* rev)
 {
     static const int off[4] = { 0, 2, 1, 3 };
-    const size_t q = m / 4;
+    const size_t q = x.m / 4;
     for (size_t i = 0; i < q; ++i) {
         const size_t r = static_cast<uint32_t>(rev[i]) / 2, rm = (q - r) & (q - 1);
         if (rm < r)
@@ -212,20 +186,19 @@ void recombineInversePermuted(const double* s, int shift, double r0, double rHal
         double* g0 = d + 8 * i;
         if (r == 0) {
             /* Z0, then the middle term M/2 (its own mirror), then M/4 with 3M/4. */
-            g0[0] = r0 + rHalf;
-            g0[1] = r0 - rHalf;
-            inversePair(s, shift, 2 * q, m, t, g0 + 2 * off[2], g0 + 2 * off[2]);
-            inversePair(s, shift, q, m, t, g0 + 2 * off[1], g0 + 2 * off[3]);
+            x.zero(g0);
+            x.pair(2 * q, g0 + 2 * off[2], g0 + 2 * off[2]);
+            x.pair(q, g0 + 2 * off[1], g0 + 2 * off[3]);
         } else if (r == rm) {
             /* r = M/8: the group is its own mirror. */
-            inversePair(s, shift, r, m, t, g0 + 2 * off[0], g0 + 2 * off[3]);
-            inversePair(s, shift, r + q, m, t, g0 + 2 * off[1], g0 + 2 * off[2]);
+            x.pair(r, g0 + 2 * off[0], g0 + 2 * off[3]);
+            x.pair(r + q, g0 + 2 * off[1], g0 + 2 * off[2]);
         } else {
             double* g1 = d + 8 * (static_cast<uint32_t>(rev[rm]) / 2);
-            inversePair(s, shift, r, m, t, g0 + 2 * off[0], g1 + 2 * off[3]);
-            inversePair(s, shift, r + q, m, t, g0 + 2 * off[1], g1 + 2 * off[2]);
-            inversePair(s, shift, rm, m, t, g1 + 2 * off[0], g0 + 2 * off[3]);
-            inversePair(s, shift, rm + q, m, t, g1 + 2 * off[1], g0 + 2 * off[2]);
+            x.pair(r, g0 + 2 * off[0], g1 + 2 * off[3]);
+            x.pair(r + q, g0 + 2 * off[1], g1 + 2 * off[2]);
+            x.pair(rm, g1 + 2 * off[0], g0 + 2 * off[3]);
+            x.pair(rm + q, g1 + 2 * off[1], g0 + 2 * off[2]);
         }
     }
 }
@@ -309,20 +282,22 @@ OmnStatus inverse(const double* pSrc, double* pDst, const OmnRealFftSpec* spec, 
     const int k = order - 1;
     if (order >= 5 && (pSrc != pDst || k <= kWholeInWork)) {
         /* Pack is read where it stands.  Where the work memory holds a
-           whole core (w7/t7, kWholeInWork), the recombination
-           goes there and the core runs from it to dst, like the forward
-           from src.  Otherwise, out of place, the recombination writes
-           straight into the bit-reversed places the core reads, so no
-           permutation pass runs. */
+           whole core (w7/t7, kWholeInWork), the recombination goes there
+           and the core runs from it to dst, like the forward from src.
+           Otherwise, out of place: up to the direct limit the core's
+           first pass computes its own inputs by the recombination; above
+           it the recombination writes straight into the bit-reversed
+           places the core reads.  Neither runs a permutation pass. */
         const double rHalf = pack ? pSrc[n - 1] : pSrc[1];
-        const int shift = pack ? 1 : 0;
+        const InverseInput x{ pSrc, pack ? 1 : 0, pSrc[0], rHalf, t, m };
         if (k <= kWholeInWork) {
-            recombineInverse(pSrc, shift, pSrc[0], rHalf, work, m, t);
+            recombineInverse(pSrc, x.shift, x.r0, rHalf, work, m, t);
             transform(reinterpret_cast<const Omn64fc*>(work), reinterpret_cast<Omn64fc*>(pDst), spec, k, true,
                       scaled, nullptr);
+        } else if (recombinesInFirstPass(k)) {
+            transformInverseRecombined(x, reinterpret_cast<Omn64fc*>(pDst), spec, k, scaled);
         } else {
-            recombineInversePermuted(pSrc, shift, pSrc[0], rHalf, pDst, m, t,
-                                     static_cast<const Omn32s*>(spec->bitRev));
+            recombineInversePermuted(x, pDst, static_cast<const Omn32s*>(spec->bitRev));
             transformPermuted(reinterpret_cast<Omn64fc*>(pDst), spec, k, true, scaled, work);
         }
         common::omnsFree(own);
