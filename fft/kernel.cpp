@@ -125,51 +125,20 @@ void firstPass(double* w, int k, In at)
         group8<Inv>(w + 16 * i, [&](int j) { return ld(at(Radix<8>{}, i, j)); }, h);
 }
 
-/* The first pass of a real inverse's core of order k, R = 4 or 8 by the
-   parity of k, computing its inputs Z by the recombination instead of
-   reading them: group i takes Z at b + u M/R (u = 0 to R - 1), b = rev(i)
-   by the table, and the mirrors of those places, M - b - u M/R = b' +
-   (R - 1 - u) M/R with b' = M/R - b, make up the group of b'.  So the two
-   groups are done together from four (R = 4) or eight recombination steps,
-   and the recombined values never go to memory.  b = 0 and b = M/(2R)
-   are groups of their own. */
+/* The first pass of a real inverse's core, R = 4 or 8 by the parity of
+   its order, computing its inputs by the recombination instead of reading
+   them (forEachMirrorGroup): the recombined values never go to memory. */
 template <bool Inv, int R>
-void firstPassRecombined(double* w, int k, const InverseInput& x, const Omn32s* rev)
+void firstPassRecombined(double* w, const InverseInput& x, const Omn32s* rev)
 {
-    const size_t q = (size_t(1) << k) / R;
     const V h = set1(0.7071067811865476);
-    auto run = [&](size_t i, const double* z) {
+    forEachMirrorGroup<R>(x, rev, [&](size_t i, const double* z) {
         auto val = [&](int j) { return ld(z + 2 * j); };
         if (R == 4)
             group4<Inv>(w + 2 * R * i, val);
         else
             group8<Inv>(w + 2 * R * i, val, h);
-    };
-    for (size_t i = 0; i < q; ++i) {
-        const size_t b = static_cast<uint32_t>(rev[(R / 4) * i]) / 2, bm = (q - b) & (q - 1);
-        if (bm < b)
-            continue;   /* done with its mirror group */
-        double z0[2 * R], z1[2 * R];
-        if (b == 0) {
-            /* Z0, the middle term M/2 (its own mirror), and u M/R with
-               (R - u) M/R. */
-            x.zero(z0);
-            for (int u = 1; u <= R / 2; ++u)
-                x.pair(u * q, z0 + 2 * u, z0 + 2 * (R - u));
-            run(i, z0);
-        } else if (b == bm) {
-            for (int u = 0; u < R / 2; ++u)
-                x.pair(b + u * q, z0 + 2 * u, z0 + 2 * (R - 1 - u));
-            run(i, z0);
-        } else {
-            for (int u = 0; u < R / 2; ++u) {
-                x.pair(b + u * q, z0 + 2 * u, z1 + 2 * (R - 1 - u));
-                x.pair(bm + u * q, z1 + 2 * u, z0 + 2 * (R - 1 - u));
-            }
-            run(i, z0);
-            run(static_cast<uint32_t>(rev[(R / 4) * bm]) / 2, z1);
-        }
-    }
+    });
 }
 
 /* The whole transform of order 4 by the scalar 16-point codelet, input j
@@ -566,10 +535,10 @@ void transformInverseRecombined(const InverseInput& x, Omn64fc* dst, const OmnFf
         codeletOrder4<true>(out, [&](auto, int64_t, int j) { return z + 2 * j; });
         next = 5;
     } else if (k & 1) {
-        firstPassRecombined<true, 8>(out, k, x, rev);
+        firstPassRecombined<true, 8>(out, x, rev);
         next = 5;
     } else {
-        firstPassRecombined<true, 4>(out, k, x, rev);
+        firstPassRecombined<true, 4>(out, x, rev);
         next = 4;
     }
     passes<true>(out, k, next, static_cast<const double*>(spec->leafTwiddle), out, true);

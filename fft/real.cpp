@@ -150,15 +150,16 @@ void recombineForward(double* d, size_t m, const double* t)
     }
 }
 
-/* Perm to the Z of the inverse core in natural order in d.  The Perm
-   values are s[i - shift] for i from 2 on, with R0 and R(N/2) given apart:
-   Perm itself has shift 0, Pack shift 1 (s may equal d only for Perm). */
-void recombineInverse(const double* s, int shift, double r0, double rHalf, double* d, size_t m, const double* t)
+/* Perm or Pack to the Z of the inverse core in natural order in d (s may
+   equal d only for Perm), two neighbours and their mirrors at a time. */
+void recombineInverse(const InverseInput& in, double* d)
 {
-    d[0] = r0 + rHalf;
-    d[1] = r0 - rHalf;
-    for (size_t k = 1; k < m / 2; k += 2, t += 4) {
-        const size_t j = m - k;
+    const double* s = in.s;
+    const int shift = in.shift;
+    const double* t = in.table;
+    in.zero(d);
+    for (size_t k = 1; k < in.m / 2; k += 2, t += 4) {
+        const size_t j = in.m - k;
         const V C = ld(t), S = ld(t + 2);
         const Split x = loadInterleaved(s + 2 * k - shift);
         const V y1 = ld(s + 2 * (j - 1) - shift), y0 = ld(s + 2 * j - shift);
@@ -170,37 +171,20 @@ void recombineInverse(const double* s, int shift, double r0, double rHalf, doubl
     }
 }
 
-/* The same into the bit-reversed places the core reads
-   (s and d apart).  Element z = R + u M/4 stands at 4 rev(R) + off(u),
-   off = 0, 2, 1, 3, and its mirror M - z = R' + (3 - u) M/4 with R' = M/4 - R,
-   so the walk goes by groups of four places: a group and its mirror group
-   take two table reads, and no place is computed element by element. */
+/* The same into the bit-reversed places the core reads (s and d apart):
+   element b + u M/4 stands at 4 rev(b) + off(u), off = 0, 2, 1, 3, so the
+   walk goes by the first pass's groups of four places with their mirror
+   groups, and no place is computed element by element. */
 void recombineInversePermuted(const InverseInput& x, double* d, const Omn32s* rev)
 {
     static const int off[4] = { 0, 2, 1, 3 };
-    const size_t q = x.m / 4;
-    for (size_t i = 0; i < q; ++i) {
-        const size_t r = static_cast<uint32_t>(rev[i]) / 2, rm = (q - r) & (q - 1);
-        if (rm < r)
-            continue;   /* done with its mirror group */
-        double* g0 = d + 8 * i;
-        if (r == 0) {
-            /* Z0, then the middle term M/2 (its own mirror), then M/4 with 3M/4. */
-            x.zero(g0);
-            x.pair(2 * q, g0 + 2 * off[2], g0 + 2 * off[2]);
-            x.pair(q, g0 + 2 * off[1], g0 + 2 * off[3]);
-        } else if (r == rm) {
-            /* r = M/8: the group is its own mirror. */
-            x.pair(r, g0 + 2 * off[0], g0 + 2 * off[3]);
-            x.pair(r + q, g0 + 2 * off[1], g0 + 2 * off[2]);
-        } else {
-            double* g1 = d + 8 * (static_cast<uint32_t>(rev[rm]) / 2);
-            x.pair(r, g0 + 2 * off[0], g1 + 2 * off[3]);
-            x.pair(r + q, g0 + 2 * off[1], g1 + 2 * off[2]);
-            x.pair(rm, g1 + 2 * off[0], g0 + 2 * off[3]);
-            x.pair(rm + q, g1 + 2 * off[1], g0 + 2 * off[2]);
+    forEachMirrorGroup<4>(x, rev, [&](size_t i, const double* z) {
+        double* g = d + 8 * i;
+        for (int u = 0; u < 4; ++u) {
+            g[2 * off[u]] = z[2 * u];
+            g[2 * off[u] + 1] = z[2 * u + 1];
         }
-    }
+    });
 }
 
 /* Perm to Pack in place: R(N/2) goes from the second place to the last. */
@@ -288,10 +272,9 @@ OmnStatus inverse(const double* pSrc, double* pDst, const OmnRealFftSpec* spec, 
            first pass computes its own inputs by the recombination; above
            it the recombination writes straight into the bit-reversed
            places the core reads.  Neither runs a permutation pass. */
-        const double rHalf = pack ? pSrc[n - 1] : pSrc[1];
-        const InverseInput x{ pSrc, pack ? 1 : 0, pSrc[0], rHalf, t, m };
+        const InverseInput x{ pSrc, pack ? 1 : 0, pSrc[0], pack ? pSrc[n - 1] : pSrc[1], t, m };
         if (k <= kWholeInWork) {
-            recombineInverse(pSrc, x.shift, x.r0, rHalf, work, m, t);
+            recombineInverse(x, work);
             transform(reinterpret_cast<const Omn64fc*>(work), reinterpret_cast<Omn64fc*>(pDst), spec, k, true,
                       scaled, nullptr);
         } else if (recombinesInFirstPass(k)) {
@@ -312,7 +295,7 @@ OmnStatus inverse(const double* pSrc, double* pDst, const OmnRealFftSpec* spec, 
         kRealSmall[1][scaled][order](src, pDst, spec->scale);
         return omnStatusOk;
     }
-    recombineInverse(src, 0, src[0], src[1], pDst, m, t);
+    recombineInverse(InverseInput{ src, 0, src[0], src[1], t, m }, pDst);
     Omn64fc* z = reinterpret_cast<Omn64fc*>(pDst);
     transform(z, z, spec, order - 1, true, scaled, work);
     common::omnsFree(own);

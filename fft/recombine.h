@@ -13,8 +13,10 @@
 #define OMN_FFT_RECOMBINE_H
 
 #include <stddef.h>
+#include <stdint.h>
 
 #include "core/column.h"
+#include "omns.h"
 
 OMN_COLUMN_BEGIN
 namespace fft {
@@ -63,6 +65,45 @@ struct InverseInput {
         z0[1] = r0 - rHalf;
     }
 };
+
+/* The recombination by groups of the core's first pass, R = 4 or 8 places
+   each: group i holds Z at b + u M/R (u = 0 to R - 1), b = rev(i) by the
+   bit-reversal table (entry (R/4) i holds 2b).  The mirrors of a group's
+   places, M - b - u M/R = b' + (R - 1 - u) M/R with b' = M/R - b, make up
+   the group of b', so the two groups come from the same R/2 steps each;
+   b = 0 and b = M/(2R) are groups of their own.  Calls emit(i, z) once per
+   group with its R values in natural order (re, im at z[2u], z[2u+1]). */
+template <int R, typename Emit>
+inline void forEachMirrorGroup(const InverseInput& x, const Omn32s* rev, Emit emit)
+{
+    const size_t q = x.m / R;
+    auto groupOf = [&](size_t g) { return static_cast<size_t>(static_cast<uint32_t>(rev[(R / 4) * g]) / 2); };
+    for (size_t i = 0; i < q; ++i) {
+        const size_t b = groupOf(i), bm = (q - b) & (q - 1);
+        if (bm < b)
+            continue;   /* done with its mirror group */
+        double z0[2 * R], z1[2 * R];
+        if (b == 0) {
+            /* Z0, the middle term M/2 (its own mirror), and u M/R with
+               (R - u) M/R. */
+            x.zero(z0);
+            for (int u = 1; u <= R / 2; ++u)
+                x.pair(u * q, z0 + 2 * u, z0 + 2 * (R - u));
+            emit(i, z0);
+        } else if (b == bm) {
+            for (int u = 0; u < R / 2; ++u)
+                x.pair(b + u * q, z0 + 2 * u, z0 + 2 * (R - 1 - u));
+            emit(i, z0);
+        } else {
+            for (int u = 0; u < R / 2; ++u) {
+                x.pair(b + u * q, z0 + 2 * u, z1 + 2 * (R - 1 - u));
+                x.pair(bm + u * q, z1 + 2 * u, z0 + 2 * (R - 1 - u));
+            }
+            emit(i, z0);
+            emit(groupOf(bm), z1);
+        }
+    }
+}
 
 } // namespace fft
 OMN_COLUMN_END
