@@ -1,5 +1,5 @@
 /*
- * codelet.h - a straight-line 16-point DFT, for the first stages of the
+ * codelet.h - straight-line 16- and 32-point DFTs, for the first stages of the
  * complex kernel.  Every twiddle is a compile-time constant, so the
  * trivial ones (1, -i, the eighth roots) cost no general multiplication.
  * The lanes are doubles (one complex value each) or pairs of doubles (two
@@ -9,6 +9,7 @@
 #ifndef OMN_FFT_CODELET_H
 #define OMN_FFT_CODELET_H
 
+#include <atomic>
 #include <utility>
 
 #include "core/column.h"
@@ -47,28 +48,37 @@ inline void unroll(F&& f)
     unrollSeq(f, std::make_integer_sequence<int, N>{});
 }
 
-/* cos(2 pi e / 16) for e = 0 .. 4. */
-constexpr double kCos16[5] = { 1.0, 0.92387953251128675613, 0.70710678118654752440, 0.38268343236508977173, 0.0 };
+/* cos(2 pi e / 32) for e = 0 .. 8. */
+constexpr double kCos32[9] = { 1.0,
+                               0.980785280403230449126,
+                               0.923879532511286756128,
+                               0.831469612302545237079,
+                               0.707106781186547524401,
+                               0.555570233019602224743,
+                               0.382683432365089771728,
+                               0.195090322016128267848,
+                               0.0 };
 
-/* z W(16)^E forward, z conj(W(16)^E) inverse, W(16) = exp(-2 pi i / 16). */
-template <int E, bool Inv, typename T>
-inline CxT<T> mulW16(CxT<T> z)
+/* z W(N)^E forward, z conj(W(N)^E) inverse, W(N) = exp(-2 pi i / N), for
+   N = 16 or 32. */
+template <int N, int E, bool Inv, typename T>
+inline CxT<T> mulW(CxT<T> z)
 {
-    constexpr int e = E & 15;
-    if constexpr (e >= 8) {
-        const CxT<T> m = mulW16<e - 8, Inv>(z);
+    constexpr int e = E % N;
+    if constexpr (e >= N / 2) {
+        const CxT<T> m = mulW<N, e - N / 2, Inv>(z);
         return CxT<T>{ neg(m.r), neg(m.i) };
-    } else if constexpr (e >= 4) {
-        /* W^4 = -i forward, +i inverse */
-        const CxT<T> m = mulW16<e - 4, Inv>(z);
+    } else if constexpr (e >= N / 4) {
+        /* W^(N/4) = -i forward, +i inverse */
+        const CxT<T> m = mulW<N, e - N / 4, Inv>(z);
         return Inv ? CxT<T>{ neg(m.i), m.r } : CxT<T>{ m.i, neg(m.r) };
     } else if constexpr (e == 0) {
         return z;
-    } else if constexpr (e == 2) {
-        const T h = konst(kCos16[2], z.r);
+    } else if constexpr (e == N / 8) {
+        const T h = konst(kCos32[4], z.r);
         return Inv ? CxT<T>{ (z.r - z.i) * h, (z.i + z.r) * h } : CxT<T>{ (z.r + z.i) * h, (z.i - z.r) * h };
     } else {
-        const T c = konst(kCos16[e], z.r), s = konst(kCos16[4 - e], z.r);
+        const T c = konst(kCos32[e * (32 / N)], z.r), s = konst(kCos32[(N / 4 - e) * (32 / N)], z.r);
         /* forward z (c - i s), inverse z (c + i s) */
         return Inv ? CxT<T>{ z.r * c - z.i * s, z.i * c + z.r * s } : CxT<T>{ z.r * c + z.i * s, z.i * c - z.r * s };
     }
@@ -92,14 +102,64 @@ inline void dft4(CxT<T> x0, CxT<T> x1, CxT<T> x2, CxT<T> x3, CxT<T>& y0, CxT<T>&
     }
 }
 
-/* Sixteen-point DFT, x and y in natural order (x may be y). */
-template <bool Inv, typename T>
-inline void dft16(const CxT<T>* x, CxT<T>* y)
+/* The address of a stage buffer, published so that the buffer counts as
+   memory the compiler cannot see through: with stageFence, every 4-point
+   DFT of the codelet then ends in its stores before the next begins.  Left
+   to itself the compiler interleaves all sixteen, and the live values
+   outrun the registers: the 16-point codelet in scalar doubles spilled some
+   150 values and took half as long again.  The store is a relaxed atomic
+   one, so that threads running codelets at once don't race on it. */
+inline void publishStage(void* p)
 {
-    CxT<T> a[4][4];
-    unroll<4>([&](auto n1) { dft4<Inv>(x[n1], x[n1 + 4], x[n1 + 8], x[n1 + 12], a[n1][0], a[n1][1], a[n1][2], a[n1][3]); });
-    unroll<4>([&](auto n1) { unroll<4>([&](auto k1) { a[n1][k1] = mulW16<n1 * k1, Inv>(a[n1][k1]); }); });
-    unroll<4>([&](auto k1) { dft4<Inv>(a[0][k1], a[1][k1], a[2][k1], a[3][k1], y[k1], y[k1 + 4], y[k1 + 8], y[k1 + 12]); });
+    static std::atomic<void*> sink;
+    sink.store(p, std::memory_order_relaxed);
+}
+inline void stageFence() { std::atomic_signal_fence(std::memory_order_seq_cst); }
+
+/* Sixteen-point DFT: input j from in(j), output m to out(m, value), both in
+   natural order.  Every input is read before the first output is written,
+   so out may write where in reads. */
+template <bool Inv, typename T, typename In, typename Out>
+inline void dft16(In in, Out out)
+{
+    CxT<T> t[16];
+    publishStage(t);
+    unroll<4>([&](auto n1) {
+        CxT<T> a[4];
+        dft4<Inv>(in(n1), in(n1 + 4), in(n1 + 8), in(n1 + 12), a[0], a[1], a[2], a[3]);
+        unroll<4>([&](auto k1) { t[4 * k1 + n1] = mulW<16, n1 * k1, Inv>(a[k1]); });
+        stageFence();
+    });
+    unroll<4>([&](auto k1) {
+        CxT<T> y0, y1, y2, y3;
+        dft4<Inv>(t[4 * k1], t[4 * k1 + 1], t[4 * k1 + 2], t[4 * k1 + 3], y0, y1, y2, y3);
+        out(k1, y0);
+        out(k1 + 4, y1);
+        out(k1 + 8, y2);
+        out(k1 + 12, y3);
+        stageFence();
+    });
+}
+
+/* Thirty-two-point DFT, in(j) and out(m, value) as for dft16 (out may
+   write where in reads): the two 16-point DFTs of the even and the odd
+   inputs, then sixteen 2-point butterflies, four at a time. */
+template <bool Inv, typename T, typename In, typename Out>
+inline void dft32(In in, Out out)
+{
+    CxT<T> u[32];
+    publishStage(u);
+    dft16<Inv, T>([&](int j) { return in(2 * j); }, [&](int m, CxT<T> y) { u[m] = y; });
+    dft16<Inv, T>([&](int j) { return in(2 * j + 1); }, [&](int m, CxT<T> y) { u[16 + m] = y; });
+    unroll<4>([&](auto b) {
+        unroll<4>([&](auto i) {
+            constexpr int m = 4 * b + i;
+            const CxT<T> o = mulW<32, m, Inv>(u[16 + m]);
+            out(m, u[m] + o);
+            out(m + 16, u[m] - o);
+        });
+        stageFence();
+    });
 }
 
 } // namespace codelet

@@ -13,13 +13,14 @@
  *   kLeafRoom       what w7/t7 add to bufSize on the blocked path: one leaf
  *                   transform plus 16 bytes of alignment slack.
  *   kReportSplit, kReportTile  the levels the reported bufSize counts.
- *   kScalarOrder4   order 4 runs as one scalar 16-point codelet (px/a6,
- *                   where it beats the pair kernel's two passes).
+ *   kScalarCodelets orders 4 and 5 run as one scalar 16- or 32-point
+ *                   codelet (px/a6, where it beats the pair kernel's two
+ *                   passes).
  *   kPairCodeletsFrom  the even orders from which the first four stages run
  *                   as 16-point codelets on pairs (w7/t7 at order 14,
  *                   where the pass they save goes out to the second-level
- *                   cache; in the first-level cache the register spills
- *                   of a 16-point block cost as much as the pass).
+ *                   cache; in the first-level cache a codelet costs as
+ *                   much as the two passes it stands for).
  *   tableNeg        how tables negate: px/a6 flip the sign bit, w7/t7
  *                   compute 0.0 - x (the two differ only in the sign of a
  *                   zero).
@@ -53,7 +54,7 @@ constexpr signed char kTile[31] = { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 8,
    buffer above. */
 constexpr int kDirectLimit = 13;
 constexpr int kWholeInWork = -1;
-constexpr bool kScalarOrder4 = true;
+constexpr bool kScalarCodelets = true;
 constexpr int kPairCodeletsFrom = 99;
 /* Outer order by core order of the reported work memory: 0 below 12, and
    at 10 and 11, which report 16 bytes. */
@@ -65,7 +66,7 @@ inline double tableNeg(double x) { return -x; }
    it the largest tile of kReportSplit/kReportTile plus kLeafRoom; the tiles
    they run are smaller, and w7 runs order 14 unblocked too. */
 inline double tableNeg(double x) { return 0.0 - x; }
-constexpr bool kScalarOrder4 = false;
+constexpr bool kScalarCodelets = false;
 constexpr int kPairCodeletsFrom = 14;
 #if OMN_COLUMN_INDEX == 2
 constexpr int kDirectLimit = 14;

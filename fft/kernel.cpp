@@ -141,51 +141,60 @@ void firstPassRecombined(double* w, const InverseInput& x, const Omn32s* rev)
     });
 }
 
-/* The whole transform of order 4 by the scalar 16-point codelet, input j
-   at in(Radix<16>, 0, j), the result interleaved to out.  All inputs are
-   loaded before the first store, so out may be the input. */
-template <bool Inv, typename In>
-__attribute__((flatten)) void codeletOrder4(double* out, In in)
+/* The whole transform of order 4 or 5 by the scalar codelet of L = 16 or
+   32 points, input j at in(Radix<L>, 0, j), the result interleaved to out.
+   All inputs are loaded before the first store, so out may be the input. */
+template <bool Inv, int L, typename In>
+__attribute__((flatten)) void codeletWhole(double* out, In in)
 {
     using codelet::Cx;
-    Cx x[16];
-    codelet::unroll<16>([&](auto j) {
-        const double* p = in(Radix<16>{}, 0, j);
-        x[j] = Cx{ p[0], p[1] };
-    });
-    codelet::dft16<Inv>(x, x);
-    codelet::unroll<16>([&](auto m) {
-        out[2 * m] = x[m].r;
-        out[2 * m + 1] = x[m].i;
-    });
+    const auto load = [&](int j) {
+        const double* p = in(Radix<L>{}, 0, j);
+        return Cx{ p[0], p[1] };
+    };
+    const auto store = [&](int m, Cx y) {
+        out[2 * m] = y.r;
+        out[2 * m + 1] = y.i;
+    };
+    if constexpr (L == 16)
+        codelet::dft16<Inv, double>(load, store);
+    else
+        codelet::dft32<Inv, double>(load, store);
+}
+template <bool Inv, typename In>
+void codeletWhole(double* out, int k, In in)
+{
+    if (k == 4)
+        codeletWhole<Inv, 16>(out, in);
+    else
+        codeletWhole<Inv, 32>(out, in);
 }
 
 /* The first four stages of an even order k by 16-point codelets, two
-   groups at a time: group g in the low lanes and group
-   g + G/2 in the high lanes (G groups), so that the DFT runs on pairs with
-   no shuffle, and only the loads and the stores to pair-split form
-   transpose.  Input j of group g at in(Radix<16>, g, j). */
+   groups at a time: group g in the low lanes and group g + G/2 in the high
+   lanes (G groups), so that the DFT runs on pairs with no shuffle.  The
+   loads transpose; each output lane goes to its pair-split place with an
+   8-byte store.  Input j of group g at in(Radix<16>, g, j). */
 template <bool Inv, typename In>
 __attribute__((flatten)) void codeletPairs(double* w, int k, In in)
 {
     using C = codelet::CxT<V>;
     const int64_t n = int64_t(1) << k, half = n / 32;
     for (int64_t g = 0; g < half; ++g) {
-        C x[16];
-        codelet::unroll<16>([&](auto j) {
-            const V a = ld(in(Radix<16>{}, g, j)), b = ld(in(Radix<16>{}, g + half, j));
-            x[j] = C{ unpackLo(a, b), unpackHi(a, b) };
-        });
-        codelet::dft16<Inv>(x, x);
         double* o0 = w + 32 * g;
         double* o1 = o0 + n;
-        codelet::unroll<8>([&](auto m) {
-            const C y0 = x[2 * m], y1 = x[2 * m + 1];
-            st(o0 + 4 * m, unpackLo(y0.r, y1.r));
-            st(o0 + 4 * m + 2, unpackLo(y0.i, y1.i));
-            st(o1 + 4 * m, unpackHi(y0.r, y1.r));
-            st(o1 + 4 * m + 2, unpackHi(y0.i, y1.i));
-        });
+        codelet::dft16<Inv, V>(
+            [&](int j) {
+                const V a = ld(in(Radix<16>{}, g, j)), b = ld(in(Radix<16>{}, g + half, j));
+                return C{ unpackLo(a, b), unpackHi(a, b) };
+            },
+            [&](int m, C y) {
+                const int at = 4 * (m / 2) + (m & 1);
+                pd::st(o0 + at, pd::lo(y.r));
+                pd::st(o0 + at + 2, pd::lo(y.i));
+                pd::st(o1 + at, pd::hi(y.r));
+                pd::st(o1 + at + 2, pd::hi(y.i));
+            });
     }
 }
 
@@ -196,8 +205,8 @@ __attribute__((flatten)) void codeletPairs(double* w, int k, In in)
 template <bool Inv, typename In>
 int firstStages(double* w, double* out, int k, In in)
 {
-    if (kScalarOrder4 && k == 4) {
-        codeletOrder4<Inv>(out, in);
+    if (kScalarCodelets && k <= 5) {
+        codeletWhole<Inv>(out, k, in);
         return k + 1;
     }
     if ((k & 1) == 0 && k >= kPairCodeletsFrom) {
@@ -525,15 +534,16 @@ void transformInverseRecombined(const InverseInput& x, Omn64fc* dst, const OmnFf
     double* out = reinterpret_cast<double*>(dst);
     const Omn32s* rev = static_cast<const Omn32s*>(spec->bitRev);
     int next;
-    if (kScalarOrder4 && k == 4) {
-        /* Sixteen values: recombined in natural order on the stack, then
-           the codelet. */
-        double z[32];
+    if (kScalarCodelets && k <= 5) {
+        /* Sixteen or thirty-two values: recombined in natural order on the
+           stack, then the codelet. */
+        const size_t m = size_t(1) << k;
+        double z[64];
         x.zero(z);
-        for (size_t u = 1; u <= 8; ++u)
-            x.pair(u, z + 2 * u, z + 2 * (16 - u));
-        codeletOrder4<true>(out, [&](auto, int64_t, int j) { return z + 2 * j; });
-        next = 5;
+        for (size_t u = 1; u <= m / 2; ++u)
+            x.pair(u, z + 2 * u, z + 2 * (m - u));
+        codeletWhole<true>(out, k, [&](auto, int64_t, int j) { return z + 2 * j; });
+        next = k + 1;
     } else if (k & 1) {
         firstPassRecombined<true, 8>(out, x, rev);
         next = 5;
