@@ -1,5 +1,5 @@
 /*
- * codelet.h - straight-line 16- and 32-point DFTs, for the first stages of the
+ * codelet.h - straight-line 16-, 32- and 64-point DFTs, for the first stages of the
  * complex kernel.  Every twiddle is a compile-time constant, so the
  * trivial ones (1, -i, the eighth roots) cost no general multiplication.
  * The lanes are doubles (one complex value each) or pairs of doubles (two
@@ -48,19 +48,27 @@ inline void unroll(F&& f)
     unrollSeq(f, std::make_integer_sequence<int, N>{});
 }
 
-/* cos(2 pi e / 32) for e = 0 .. 8. */
-constexpr double kCos32[9] = { 1.0,
+/* cos(2 pi e / 64) for e = 0 .. 16. */
+constexpr double kCos64[17] = { 1.0,
+                               0.995184726672196886245,
                                0.980785280403230449126,
+                               0.956940335732208864936,
                                0.923879532511286756128,
+                               0.881921264348355029713,
                                0.831469612302545237079,
+                               0.773010453362736960811,
                                0.707106781186547524401,
+                               0.634393284163645498215,
                                0.555570233019602224743,
+                               0.471396736825997648556,
                                0.382683432365089771728,
+                               0.290284677254462367636,
                                0.195090322016128267848,
+                               0.0980171403295606019942,
                                0.0 };
 
 /* z W(N)^E forward, z conj(W(N)^E) inverse, W(N) = exp(-2 pi i / N), for
-   N = 16 or 32. */
+   N = 16, 32 or 64. */
 template <int N, int E, bool Inv, typename T>
 inline CxT<T> mulW(CxT<T> z)
 {
@@ -75,10 +83,10 @@ inline CxT<T> mulW(CxT<T> z)
     } else if constexpr (e == 0) {
         return z;
     } else if constexpr (e == N / 8) {
-        const T h = konst(kCos32[4], z.r);
+        const T h = konst(kCos64[8], z.r);
         return Inv ? CxT<T>{ (z.r - z.i) * h, (z.i + z.r) * h } : CxT<T>{ (z.r + z.i) * h, (z.i - z.r) * h };
     } else {
-        const T c = konst(kCos32[e * (32 / N)], z.r), s = konst(kCos32[(N / 4 - e) * (32 / N)], z.r);
+        const T c = konst(kCos64[e * (64 / N)], z.r), s = konst(kCos64[(N / 4 - e) * (64 / N)], z.r);
         /* forward z (c - i s), inverse z (c + i s) */
         return Inv ? CxT<T>{ z.r * c - z.i * s, z.i * c + z.r * s } : CxT<T>{ z.r * c + z.i * s, z.i * c - z.r * s };
     }
@@ -157,6 +165,27 @@ inline void dft32(In in, Out out)
             const CxT<T> o = mulW<32, m, Inv>(u[16 + m]);
             out(m, u[m] + o);
             out(m + 16, u[m] - o);
+        });
+        stageFence();
+    });
+}
+
+/* Sixty-four-point DFT, in(j) and out(m, value) as for dft16: the two
+   32-point DFTs of the even and the odd inputs, then thirty-two 2-point
+   butterflies, four at a time. */
+template <bool Inv, typename T, typename In, typename Out>
+inline void dft64(In in, Out out)
+{
+    CxT<T> u[64];
+    publishStage(u);
+    dft32<Inv, T>([&](int j) { return in(2 * j); }, [&](int m, CxT<T> y) { u[m] = y; });
+    dft32<Inv, T>([&](int j) { return in(2 * j + 1); }, [&](int m, CxT<T> y) { u[32 + m] = y; });
+    unroll<8>([&](auto b) {
+        unroll<4>([&](auto i) {
+            constexpr int m = 4 * b + i;
+            const CxT<T> o = mulW<64, m, Inv>(u[32 + m]);
+            out(m, u[m] + o);
+            out(m + 32, u[m] - o);
         });
         stageFence();
     });

@@ -13,9 +13,10 @@
  *   kLeafRoom       what w7/t7 add to bufSize on the blocked path: one leaf
  *                   transform plus 16 bytes of alignment slack.
  *   kReportSplit, kReportTile  the levels the reported bufSize counts.
- *   kScalarCodelets orders 4 and 5 run as one scalar 16- or 32-point
- *                   codelet (px/a6, where it beats the pair kernel's two
- *                   passes).
+ *   kWholeCodeletsTo  orders 4 up to this one run whole as one scalar 16-,
+ *                   32- or 64-point codelet, in place too (px/a6 to 6,
+ *                   where it beats the pair kernel's passes; 3 elsewhere,
+ *                   none).
  *   kPairCodeletsFrom  the even orders from which the first four stages run
  *                   as 16-point codelets on pairs (w7/t7 at order 14,
  *                   where the pass they save goes out to the second-level
@@ -54,7 +55,7 @@ constexpr signed char kTile[31] = { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 8,
    buffer above. */
 constexpr int kDirectLimit = 13;
 constexpr int kWholeInWork = -1;
-constexpr bool kScalarCodelets = true;
+constexpr int kWholeCodeletsTo = 6;
 constexpr int kPairCodeletsFrom = 99;
 /* Outer order by core order of the reported work memory: 0 below 12, and
    at 10 and 11, which report 16 bytes. */
@@ -66,7 +67,7 @@ inline double tableNeg(double x) { return -x; }
    it the largest tile of kReportSplit/kReportTile plus kLeafRoom; the tiles
    they run are smaller, and w7 runs order 14 unblocked too. */
 inline double tableNeg(double x) { return 0.0 - x; }
-constexpr bool kScalarCodelets = false;
+constexpr int kWholeCodeletsTo = 3;
 constexpr int kPairCodeletsFrom = 14;
 #if OMN_COLUMN_INDEX == 2
 constexpr int kDirectLimit = 14;

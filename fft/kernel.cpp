@@ -141,9 +141,10 @@ void firstPassRecombined(double* w, const InverseInput& x, const Omn32s* rev)
     });
 }
 
-/* The whole transform of order 4 or 5 by the scalar codelet of L = 16 or
-   32 points, input j at in(Radix<L>, 0, j), the result interleaved to out.
-   All inputs are loaded before the first store, so out may be the input. */
+/* The whole transform of order 4, 5 or 6 by the scalar codelet of L = 16,
+   32 or 64 points, input j at in(Radix<L>, 0, j), the result interleaved
+   to out.  All inputs are loaded before the first store, so out may be the
+   input. */
 template <bool Inv, int L, typename In>
 __attribute__((flatten)) void codeletWhole(double* out, In in)
 {
@@ -158,16 +159,20 @@ __attribute__((flatten)) void codeletWhole(double* out, In in)
     };
     if constexpr (L == 16)
         codelet::dft16<Inv, double>(load, store);
-    else
+    else if constexpr (L == 32)
         codelet::dft32<Inv, double>(load, store);
+    else
+        codelet::dft64<Inv, double>(load, store);
 }
 template <bool Inv, typename In>
 void codeletWhole(double* out, int k, In in)
 {
     if (k == 4)
         codeletWhole<Inv, 16>(out, in);
-    else
+    else if (k == 5)
         codeletWhole<Inv, 32>(out, in);
+    else
+        codeletWhole<Inv, 64>(out, in);
 }
 
 /* The first four stages of an even order k by 16-point codelets, two
@@ -201,13 +206,17 @@ __attribute__((flatten)) void codeletPairs(double* w, int k, In in)
 /* The first stages of a kernel of order k: the radix-4/8 pass, or, where
    the column runs them, the 16-point codelets.  Returns the order of the
    first radix-4 pass still to run (above k when nothing is left, in which
-   case the result is interleaved in out). */
-template <bool Inv, typename In>
+   case the result is interleaved in out).  Whole: the column's whole-
+   transform codelets may run (not in the rows of the blocked levels,
+   which are never that short, so that they don't carry the code). */
+template <bool Inv, bool Whole, typename In>
 int firstStages(double* w, double* out, int k, In in)
 {
-    if (kScalarCodelets && k <= 5) {
-        codeletWhole<Inv>(out, k, in);
-        return k + 1;
+    if constexpr (Whole) {
+        if (k <= kWholeCodeletsTo) {
+            codeletWhole<Inv>(out, k, in);
+            return k + 1;
+        }
     }
     if ((k & 1) == 0 && k >= kPairCodeletsFrom) {
         codeletPairs<Inv>(w, k, in);
@@ -302,7 +311,7 @@ void fused(const Omn64fc* src, Omn64fc* dst, int k, const OmnFftSpecRecord* spec
     const double* s = reinterpret_cast<const double*>(src);
     double* w = src != dst ? reinterpret_cast<double*>(dst) : work;
     double* out = reinterpret_cast<double*>(dst);
-    const int next = firstStages<Inv>(w, out, k, [&](auto R, int64_t g, int j) {
+    const int next = firstStages<Inv, true>(w, out, k, [&](auto R, int64_t g, int j) {
         return s + rev[(R / 4) * g] + 2 * j * (n / R);
     });
     passes<Inv>(w, k, next, static_cast<const double*>(spec->leafTwiddle), out, true);
@@ -323,7 +332,7 @@ constexpr int reverseLow(int j, int r)
 template <bool Inv>
 void leaf(double* d, int k, const double* tw, bool interleave = false)
 {
-    const int next = firstStages<Inv>(d, d, k, [&](auto R, int64_t g, int j) { return d + 2 * (R * g + reverseLow(j, R)); });
+    const int next = firstStages<Inv, false>(d, d, k, [&](auto R, int64_t g, int j) { return d + 2 * (R * g + reverseLow(j, R)); });
     passes<Inv>(d, k, next, tw, d, interleave);
 }
 
@@ -337,7 +346,7 @@ template <bool Inv>
 void leafGather(const double* src, int64_t stride, double* out, int c, const double* tw, const Omn32s* rev, int shift)
 {
     const int64_t cn = int64_t(1) << c;
-    const int next = firstStages<Inv>(out, out, c, [&](auto R, int64_t g, int j) {
+    const int next = firstStages<Inv, false>(out, out, c, [&](auto R, int64_t g, int j) {
         return src + stride * (rev[((R / 4) * g) << shift] + 2 * j * (cn / R));
     });
     passes<Inv>(out, c, next, tw, out, false);
@@ -482,7 +491,9 @@ void runPermuted(Omn64fc* dst, const OmnFftSpecRecord* spec, int k, bool scaled,
 template <bool Inv>
 void run(const Omn64fc* src, Omn64fc* dst, const OmnFftSpecRecord* spec, int k, bool scaled, double* work)
 {
-    if (k <= kDirectLimit && (src != dst || k <= kWholeInWork)) {
+    /* The whole-transform codelets read all their inputs before they
+       write, so they run in place as they stand. */
+    if (k <= kDirectLimit && (src != dst || k <= kWholeInWork || k <= kWholeCodeletsTo)) {
         fused<Inv>(src, dst, k, spec, work);
         if (scaled)
             scaleDoubles(reinterpret_cast<double*>(dst), size_t(2) << k, spec->scale);
@@ -534,11 +545,11 @@ void transformInverseRecombined(const InverseInput& x, Omn64fc* dst, const OmnFf
     double* out = reinterpret_cast<double*>(dst);
     const Omn32s* rev = static_cast<const Omn32s*>(spec->bitRev);
     int next;
-    if (kScalarCodelets && k <= 5) {
-        /* Sixteen or thirty-two values: recombined in natural order on the
-           stack, then the codelet. */
+    if (k <= kWholeCodeletsTo) {
+        /* Up to 64 values: recombined in natural order on the stack, then
+           the codelet, as the transform in place runs it. */
         const size_t m = size_t(1) << k;
-        double z[64];
+        double z[128];
         x.zero(z);
         for (size_t u = 1; u <= m / 2; ++u)
             x.pair(u, z + 2 * u, z + 2 * (m - u));
