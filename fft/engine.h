@@ -17,6 +17,10 @@
  *                   32- or 64-point codelet, in place too (px/a6 to 6,
  *                   where it beats the pair kernel's passes; 3 elsewhere,
  *                   none).
+ *   kStackCoreTo    the largest core order of a real inverse whose
+ *                   recombined values go on the stack (px/a6 to 9, 8 KiB:
+ *                   their reported work memory holds none there; 0 in
+ *                   w7/t7, whose work memory holds them).
  *   kPairCodeletsFrom  the even orders from which the first four stages run
  *                   as 16-point codelets on pairs (w7/t7 at order 14,
  *                   where the pass they save goes out to the second-level
@@ -56,6 +60,7 @@ constexpr signed char kTile[31] = { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 8,
 constexpr int kDirectLimit = 13;
 constexpr int kWholeInWork = -1;
 constexpr int kWholeCodeletsTo = 6;
+constexpr int kStackCoreTo = 9;
 constexpr int kPairCodeletsFrom = 99;
 /* Outer order by core order of the reported work memory: 0 below 12, and
    at 10 and 11, which report 16 bytes. */
@@ -68,6 +73,7 @@ inline double tableNeg(double x) { return -x; }
    they run are smaller, and w7 runs order 14 unblocked too. */
 inline double tableNeg(double x) { return 0.0 - x; }
 constexpr int kWholeCodeletsTo = 3;
+constexpr int kStackCoreTo = 0;
 constexpr int kPairCodeletsFrom = 14;
 #if OMN_COLUMN_INDEX == 2
 constexpr int kDirectLimit = 14;

@@ -537,7 +537,9 @@ void transformPermuted(Omn64fc* dst, const OmnFftSpecRecord* spec, int k, bool i
 
 bool recombinesInFirstPass(int k)
 {
-    return k >= 4 && k <= kDirectLimit && ((k & 1) != 0 || k < kPairCodeletsFrom);
+    /* Not where a whole-transform codelet runs the core: the transform in
+       place, which goes through it, must give the same bits. */
+    return k > kWholeCodeletsTo && k >= 4 && k <= kDirectLimit && ((k & 1) != 0 || k < kPairCodeletsFrom);
 }
 
 void transformInverseRecombined(const InverseInput& x, Omn64fc* dst, const OmnFftSpecRecord* spec, int k, bool scaled)
@@ -545,17 +547,7 @@ void transformInverseRecombined(const InverseInput& x, Omn64fc* dst, const OmnFf
     double* out = reinterpret_cast<double*>(dst);
     const Omn32s* rev = static_cast<const Omn32s*>(spec->bitRev);
     int next;
-    if (k <= kWholeCodeletsTo) {
-        /* Up to 64 values: recombined in natural order on the stack, then
-           the codelet, as the transform in place runs it. */
-        const size_t m = size_t(1) << k;
-        double z[128];
-        x.zero(z);
-        for (size_t u = 1; u <= m / 2; ++u)
-            x.pair(u, z + 2 * u, z + 2 * (m - u));
-        codeletWhole<true>(out, k, [&](auto, int64_t, int j) { return z + 2 * j; });
-        next = k + 1;
-    } else if (k & 1) {
+    if (k & 1) {
         firstPassRecombined<true, 8>(out, x, rev);
         next = 5;
     } else {

@@ -264,19 +264,22 @@ OmnStatus inverse(const double* pSrc, double* pDst, const OmnRealFftSpec* spec, 
     const size_t m = n / 2;
     const double* t = static_cast<const double*>(spec->recombInv);
     const int k = order - 1;
-    if (order >= 5 && (pSrc != pDst || k <= kWholeInWork)) {
+    if (order >= 4 && (pSrc != pDst || k <= kWholeInWork || k <= kStackCoreTo)) {
         /* Pack is read where it stands.  Where the work memory holds a
-           whole core (w7/t7, kWholeInWork), the recombination goes there
-           and the core runs from it to dst, like the forward from src.
-           Otherwise, out of place: up to the direct limit the core's
+           whole core (w7/t7, kWholeInWork), or else the stack does (px/a6,
+           kStackCoreTo), the recombination goes there in natural order and
+           the core runs from it to dst, like the forward from src; in place
+           too.  Otherwise, out of place: up to the direct limit the core's
            first pass computes its own inputs by the recombination; above
            it the recombination writes straight into the bit-reversed
-           places the core reads.  Neither runs a permutation pass. */
+           places the core reads.  None runs a permutation pass. */
         const InverseInput x{ pSrc, pack ? 1 : 0, pSrc[0], pack ? pSrc[n - 1] : pSrc[1], t, m };
-        if (k <= kWholeInWork) {
-            recombineInverse(x, work);
-            transform(reinterpret_cast<const Omn64fc*>(work), reinterpret_cast<Omn64fc*>(pDst), spec, k, true,
-                      scaled, nullptr);
+        if (k <= kWholeInWork || k <= kStackCoreTo) {
+            alignas(16) double stack[size_t(2) << kStackCoreTo];
+            double* z = k <= kWholeInWork ? work : stack;
+            recombineInverse(x, z);
+            transform(reinterpret_cast<const Omn64fc*>(z), reinterpret_cast<Omn64fc*>(pDst), spec, k, true, scaled,
+                      nullptr);
         } else if (recombinesInFirstPass(k)) {
             transformInverseRecombined(x, reinterpret_cast<Omn64fc*>(pDst), spec, k, scaled);
         } else {
