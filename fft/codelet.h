@@ -149,46 +149,30 @@ inline void dft16(In in, Out out)
     });
 }
 
-/* Thirty-two-point DFT, in(j) and out(m, value) as for dft16 (out may
-   write where in reads): the two 16-point DFTs of the even and the odd
-   inputs, then sixteen 2-point butterflies, four at a time. */
-template <bool Inv, typename T, typename In, typename Out>
-inline void dft32(In in, Out out)
+/* N-point DFT, N = 16, 32 or 64, in(j) and out(m, value) as for dft16 (out
+   may write where in reads): from 32 points on, the two DFTs of N/2 points
+   of the even and the odd inputs, then N/2 2-point butterflies, four at a
+   time. */
+template <int N, bool Inv, typename T, typename In, typename Out>
+inline void dft(In in, Out out)
 {
-    CxT<T> u[32];
-    publishStage(u);
-    dft16<Inv, T>([&](int j) { return in(2 * j); }, [&](int m, CxT<T> y) { u[m] = y; });
-    dft16<Inv, T>([&](int j) { return in(2 * j + 1); }, [&](int m, CxT<T> y) { u[16 + m] = y; });
-    unroll<4>([&](auto b) {
-        unroll<4>([&](auto i) {
-            constexpr int m = 4 * b + i;
-            const CxT<T> o = mulW<32, m, Inv>(u[16 + m]);
-            out(m, u[m] + o);
-            out(m + 16, u[m] - o);
+    if constexpr (N == 16) {
+        dft16<Inv, T>(in, out);
+    } else {
+        CxT<T> u[N];
+        publishStage(u);
+        dft<N / 2, Inv, T>([&](int j) { return in(2 * j); }, [&](int m, CxT<T> y) { u[m] = y; });
+        dft<N / 2, Inv, T>([&](int j) { return in(2 * j + 1); }, [&](int m, CxT<T> y) { u[N / 2 + m] = y; });
+        unroll<N / 8>([&](auto b) {
+            unroll<4>([&](auto i) {
+                constexpr int m = 4 * b + i;
+                const CxT<T> o = mulW<N, m, Inv>(u[N / 2 + m]);
+                out(m, u[m] + o);
+                out(m + N / 2, u[m] - o);
+            });
+            stageFence();
         });
-        stageFence();
-    });
-}
-
-/* Sixty-four-point DFT, in(j) and out(m, value) as for dft16: the two
-   32-point DFTs of the even and the odd inputs, then thirty-two 2-point
-   butterflies, four at a time. */
-template <bool Inv, typename T, typename In, typename Out>
-inline void dft64(In in, Out out)
-{
-    CxT<T> u[64];
-    publishStage(u);
-    dft32<Inv, T>([&](int j) { return in(2 * j); }, [&](int m, CxT<T> y) { u[m] = y; });
-    dft32<Inv, T>([&](int j) { return in(2 * j + 1); }, [&](int m, CxT<T> y) { u[32 + m] = y; });
-    unroll<8>([&](auto b) {
-        unroll<4>([&](auto i) {
-            constexpr int m = 4 * b + i;
-            const CxT<T> o = mulW<64, m, Inv>(u[32 + m]);
-            out(m, u[m] + o);
-            out(m + 32, u[m] - o);
-        });
-        stageFence();
-    });
+    }
 }
 
 } // namespace codelet

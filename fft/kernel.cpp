@@ -157,12 +157,7 @@ __attribute__((flatten)) void codeletWhole(double* out, In in)
         out[2 * m] = y.r;
         out[2 * m + 1] = y.i;
     };
-    if constexpr (L == 16)
-        codelet::dft16<Inv, double>(load, store);
-    else if constexpr (L == 32)
-        codelet::dft32<Inv, double>(load, store);
-    else
-        codelet::dft64<Inv, double>(load, store);
+    codelet::dft<L, Inv, double>(load, store);
 }
 template <bool Inv, typename In>
 void codeletWhole(double* out, int k, In in)
