@@ -264,7 +264,8 @@ OmnStatus inverse(const double* pSrc, double* pDst, const OmnRealFftSpec* spec, 
     const size_t m = n / 2;
     const double* t = static_cast<const double*>(spec->recombInv);
     const int k = order - 1;
-    if (order >= 4 && (pSrc != pDst || k <= kWholeInWork || k <= kStackCoreTo)) {
+    const bool coreInMemory = k <= kWholeInWork || k <= kStackCoreTo;
+    if (order >= 4 && (pSrc != pDst || coreInMemory)) {
         /* Pack is read where it stands.  Where the work memory holds a
            whole core (w7/t7, kWholeInWork), or else the stack does (px/a6,
            kStackCoreTo), the recombination goes there in natural order and
@@ -274,7 +275,7 @@ OmnStatus inverse(const double* pSrc, double* pDst, const OmnRealFftSpec* spec, 
            it the recombination writes straight into the bit-reversed
            places the core reads.  None runs a permutation pass. */
         const InverseInput x{ pSrc, pack ? 1 : 0, pSrc[0], pack ? pSrc[n - 1] : pSrc[1], t, m };
-        if (k <= kWholeInWork || k <= kStackCoreTo) {
+        if (coreInMemory) {
             alignas(16) double stack[size_t(2) << kStackCoreTo];
             double* z = k <= kWholeInWork ? work : stack;
             recombineInverse(x, z);
