@@ -42,6 +42,16 @@
 OMN_COLUMN_BEGIN
 namespace fft {
 
+/* The order from which the first stages of a direct transform walk their
+   groups in the order of the source (sourceOrder in kernel.cpp) instead
+   of the order of their outputs.  In index order, neighbouring groups
+   read at bit-reversed places 2^k / 16 apart: from order 13 that is 8 KiB
+   or more, so the inputs of a run of groups all fall into one set of the
+   first-level cache and evict each other before the neighbouring groups
+   come back for the rest of their lines.  Below it the index order is the
+   faster. */
+constexpr int kSourceOrderFrom = 13;
+
 /* Outer order and tile order of a blocking level by core order, the same
    in every column: tiles of at most 2^11 points (32 KiB) keep a tile's
    passes in the first-level cache. */

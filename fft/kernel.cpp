@@ -108,21 +108,48 @@ inline void group8(double* w, X x, V h)
     storeSplit4(w + 8, sub(e0, o0), sub(e1, o1), sub(e2, o2), sub(e3, o3));
 }
 
+/* The order in which the first stages take their groups: step b of the
+   walk runs group order(Radix<R>, b).  inIndexOrder runs them by index,
+   so that the outputs go out in order; sourceOrder runs them by the place
+   of their first input, so that the inputs come in order instead.  The
+   results are the same either way. */
+struct InIndexOrder {
+    template <typename R>
+    int64_t operator()(R, int64_t b) const { return b; }
+};
+constexpr InIndexOrder inIndexOrder{};
+
+/* Group i of R inputs starts at source place rev(i) on k - log2 R bits,
+   which is entry (R/4) i of a bit-reversal table on k - 2 bits, and rev is
+   its own inverse: so the group that starts at place b is entry (R/4) b
+   again.  For rows of a blocked level the core's own table serves, read
+   at entry i << shift. */
+inline auto sourceOrder(const Omn32s* rev, int shift)
+{
+    return [rev, shift](auto R, int64_t b) {
+        return int64_t(static_cast<uint32_t>(rev[((R / 4) * b) << shift]) / 2);
+    };
+}
+
 /* First pass: the DFT of 4 (even k) or 8 (odd k) natural-order inputs per
    group, input j of group i at at(Radix<R>, i, j); results to w in
-   pair-split form. */
-template <bool Inv, typename In>
-void firstPass(double* w, int k, In at)
+   pair-split form, group i at its place i whatever the order of the walk. */
+template <bool Inv, typename In, typename Order>
+void firstPass(double* w, int k, In at, Order order)
 {
     const int64_t n = int64_t(1) << k;
     if ((k & 1) == 0) {
-        for (int64_t i = 0; i < n / 4; ++i)
+        for (int64_t b = 0; b < n / 4; ++b) {
+            const int64_t i = order(Radix<4>{}, b);
             group4<Inv>(w + 8 * i, [&](int j) { return ld(at(Radix<4>{}, i, j)); });
+        }
         return;
     }
     const V h = set1(0.7071067811865476);
-    for (int64_t i = 0; i < n / 8; ++i)
+    for (int64_t b = 0; b < n / 8; ++b) {
+        const int64_t i = order(Radix<8>{}, b);
         group8<Inv>(w + 16 * i, [&](int j) { return ld(at(Radix<8>{}, i, j)); }, h);
+    }
 }
 
 /* The first pass of a real inverse's core, R = 4 or 8 by the parity of
@@ -174,13 +201,17 @@ void codeletWhole(double* out, int k, In in)
    groups at a time: group g in the low lanes and group g + G/2 in the high
    lanes (G groups), so that the DFT runs on pairs with no shuffle.  The
    loads transpose; each output lane goes to its pair-split place with an
-   8-byte store.  Input j of group g at in(Radix<16>, g, j). */
-template <bool Inv, typename In>
-__attribute__((flatten)) void codeletPairs(double* w, int k, In in)
+   8-byte store.  Input j of group g at in(Radix<16>, g, j).  The two
+   groups of a step start at neighbouring places, 2 rev(g) and
+   2 rev(g) + 1, which makes them one group of 32 for the order of the
+   walk. */
+template <bool Inv, typename In, typename Order>
+__attribute__((flatten)) void codeletPairs(double* w, int k, In in, Order order)
 {
     using C = codelet::CxT<V>;
     const int64_t n = int64_t(1) << k, half = n / 32;
-    for (int64_t g = 0; g < half; ++g) {
+    for (int64_t b = 0; b < half; ++b) {
+        const int64_t g = order(Radix<32>{}, b);
         double* o0 = w + 32 * g;
         double* o1 = o0 + n;
         codelet::dft16<Inv, V>(
@@ -204,8 +235,8 @@ __attribute__((flatten)) void codeletPairs(double* w, int k, In in)
    case the result is interleaved in out).  Whole: the column's whole-
    transform codelets may run (not in the rows of the blocked levels,
    which are never that short, so that they don't carry the code). */
-template <bool Inv, bool Whole, typename In>
-int firstStages(double* w, double* out, int k, In in)
+template <bool Inv, bool Whole, typename In, typename Order = InIndexOrder>
+int firstStages(double* w, double* out, int k, In in, Order order = inIndexOrder)
 {
     if constexpr (Whole) {
         if (k <= kWholeCodeletsTo) {
@@ -214,10 +245,10 @@ int firstStages(double* w, double* out, int k, In in)
         }
     }
     if ((k & 1) == 0 && k >= kPairCodeletsFrom) {
-        codeletPairs<Inv>(w, k, in);
+        codeletPairs<Inv>(w, k, in, order);
         return 6;
     }
-    firstPass<Inv>(w, k, in);
+    firstPass<Inv>(w, k, in, order);
     return 4 + (k & 1);
 }
 
@@ -306,9 +337,9 @@ void fused(const Omn64fc* src, Omn64fc* dst, int k, const OmnFftSpecRecord* spec
     const double* s = reinterpret_cast<const double*>(src);
     double* w = src != dst ? reinterpret_cast<double*>(dst) : work;
     double* out = reinterpret_cast<double*>(dst);
-    const int next = firstStages<Inv, true>(w, out, k, [&](auto R, int64_t g, int j) {
-        return s + rev[(R / 4) * g] + 2 * j * (n / R);
-    });
+    const auto at = [&](auto R, int64_t g, int j) { return s + rev[(R / 4) * g] + 2 * j * (n / R); };
+    const int next = k >= kSourceOrderFrom ? firstStages<Inv, false>(w, out, k, at, sourceOrder(rev, 0))
+                                           : firstStages<Inv, true>(w, out, k, at);
     passes<Inv>(w, k, next, static_cast<const double*>(spec->leafTwiddle), out, true);
 }
 
@@ -343,7 +374,7 @@ void leafGather(const double* src, int64_t stride, double* out, int c, const dou
     const int64_t cn = int64_t(1) << c;
     const int next = firstStages<Inv, false>(out, out, c, [&](auto R, int64_t g, int j) {
         return src + stride * (rev[((R / 4) * g) << shift] + 2 * j * (cn / R));
-    });
+    }, sourceOrder(rev, shift));
     passes<Inv>(out, c, next, tw, out, false);
 }
 
