@@ -151,23 +151,28 @@ void recombineForward(double* d, size_t m, const double* t)
 }
 
 /* Perm or Pack to the Z of the inverse core in natural order in d (s may
-   equal d only for Perm), two neighbours and their mirrors at a time. */
+   equal d only for Perm), two neighbours and their mirrors at a time.  The
+   walk keeps its own copies of the input's fields and its own pointers:
+   d may be the memory of the input, so the compiler would otherwise read
+   M again after every store. */
 void recombineInverse(const InverseInput& in, double* d)
 {
-    const double* s = in.s;
-    const int shift = in.shift;
+    const size_t m = in.m;
     const double* t = in.table;
+    const double* sk = in.s + 2 - in.shift;             /* X_k, X_(k+1) */
+    const double* sj = in.s + 2 * (m - 2) - in.shift;   /* X_(j-1), X_j, j = M - k */
+    double* dk = d + 2;
+    double* dj = d + 2 * (m - 2);
     in.zero(d);
-    for (size_t k = 1; k < in.m / 2; k += 2, t += 4) {
-        const size_t j = in.m - k;
+    for (size_t g = 0; g < m / 4; ++g, t += 4, sk += 4, sj -= 4, dk += 4, dj -= 4) {
         const V C = ld(t), S = ld(t + 2);
-        const Split x = loadInterleaved(s + 2 * k - shift);
-        const V y1 = ld(s + 2 * (j - 1) - shift), y0 = ld(s + 2 * j - shift);
+        const Split x = loadInterleaved(sk);
+        const V y1 = ld(sj), y0 = ld(sj + 2);
         V kre, kim, jre, jim;
         inverseStep(x.re, x.im, unpackLo(y0, y1), unpackHi(y0, y1), C, S, kre, kim, jre, jim);
-        storeInterleaved(d + 2 * k, Split{ kre, kim });
-        st(d + 2 * j, unpackLo(jre, jim));
-        st(d + 2 * (j - 1), unpackHi(jre, jim));
+        storeInterleaved(dk, Split{ kre, kim });
+        st(dj + 2, unpackLo(jre, jim));
+        st(dj, unpackHi(jre, jim));
     }
 }
 
