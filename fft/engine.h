@@ -72,6 +72,7 @@ constexpr int kWholeInWork = -1;
 constexpr int kWholeCodeletsTo = 6;
 constexpr int kStackCoreTo = 9;
 constexpr int kPairCodeletsFrom = 99;
+constexpr bool kInterleaveInLastPass = false;
 /* Outer order by core order of the reported work memory: 0 below 12, and
    at 10 and 11, which report 16 bytes. */
 constexpr signed char kReportSplit[31] = { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 4, 5, 6, 7, 7, 8, 9, 9,
@@ -85,6 +86,7 @@ inline double tableNeg(double x) { return 0.0 - x; }
 constexpr int kWholeCodeletsTo = 3;
 constexpr int kStackCoreTo = 0;
 constexpr int kPairCodeletsFrom = 14;
+constexpr bool kInterleaveInLastPass = true;
 #if OMN_COLUMN_INDEX == 2
 constexpr int kDirectLimit = 14;
 constexpr int kWholeInWork = 13;

@@ -304,6 +304,17 @@ void pass(double* w, int64_t n, int s, const double* sec, double* out)
     }
 }
 
+/* Pair-split form to interleaved in place: the middle two doubles of each
+   pair change places. */
+inline void interleavePairs(double* d, int64_t n)
+{
+    for (int64_t i = 0; i < 2 * n; i += 4) {
+        const double im0 = d[i + 1], re1 = d[i + 2];
+        d[i + 1] = re1;
+        d[i + 2] = im0;
+    }
+}
+
 /* The passes after the first stages, from order s: the sections in order
    (those below s skipped), the last one writing out (interleaved or
    pair-split).  Nothing runs when s is above k. */
@@ -319,10 +330,14 @@ void passes(double* w, int k, int s, const double* tw, double* out, bool interle
         pass<Inv, false>(w, n, s, tw, w);
         tw += 3 * (int64_t(1) << s) / 2;   /* 2^s / 4 entries of six doubles */
     }
-    if (interleave)
-        pass<Inv, true>(w, n, k, tw, out);
-    else
+    if (!interleave) {
         pass<Inv, false>(w, n, k, tw, out);
+    } else if (kInterleaveInLastPass) {
+        pass<Inv, true>(w, n, k, tw, out);
+    } else {
+        pass<Inv, false>(w, n, k, tw, out);
+        interleavePairs(out, n);
+    }
 }
 
 /* Fused kernel: src (natural order) to dst, order 4 up to the direct limit.
