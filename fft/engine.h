@@ -13,10 +13,13 @@
  *   kLeafRoom       what w7/t7 add to bufSize on the blocked path: one leaf
  *                   transform plus 16 bytes of alignment slack.
  *   kReportSplit, kReportTile  the levels the reported bufSize counts.
- *   kWholeCodeletsTo  orders 4 up to this one run whole as one scalar 16-,
- *                   32- or 64-point codelet, in place too (px/a6 to 6,
- *                   where it beats the pair kernel's passes; 3 elsewhere,
- *                   none).
+ *   kWholeCodeletsTo  orders 4 up to this one run whole as one scalar 16-
+ *                   or 32-point codelet, in place too (px/a6 to 5, where
+ *                   it beats the pair kernel's passes; 3 elsewhere, none).
+ *   kInterleaveInLastPass  whether the last pass stores interleaved values
+ *                   itself (w7/t7) or stores pairs and leaves the
+ *                   interleaving to a sweep of its own (px/a6, whose
+ *                   compiler vectorises an interleaving pass badly).
  *   kStackCoreTo    the largest core order of a real inverse whose
  *                   recombined values go on the stack (px/a6 to 9, 8 KiB:
  *                   their reported work memory holds none there; 0 in
@@ -69,7 +72,7 @@ constexpr signed char kTile[31] = { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 8,
    buffer above. */
 constexpr int kDirectLimit = 13;
 constexpr int kWholeInWork = -1;
-constexpr int kWholeCodeletsTo = 6;
+constexpr int kWholeCodeletsTo = 5;
 constexpr int kStackCoreTo = 9;
 constexpr int kPairCodeletsFrom = 99;
 constexpr bool kInterleaveInLastPass = false;

@@ -168,9 +168,9 @@ void firstPassRecombined(double* w, const InverseInput& x, const Omn32s* rev)
     });
 }
 
-/* The whole transform of order 4, 5 or 6 by the scalar codelet of L = 16,
-   32 or 64 points, input j at in(Radix<L>, 0, j), the result interleaved
-   to out.  All inputs are loaded before the first store, so out may be the
+/* The whole transform of order 4 or 5 by the scalar codelet of L = 16 or
+   32 points, input j at in(Radix<L>, 0, j), the result interleaved to
+   out.  All inputs are loaded before the first store, so out may be the
    input. */
 template <bool Inv, int L, typename In>
 __attribute__((flatten)) void codeletWhole(double* out, In in)
@@ -189,12 +189,12 @@ __attribute__((flatten)) void codeletWhole(double* out, In in)
 template <bool Inv, typename In>
 void codeletWhole(double* out, int k, In in)
 {
+    /* At order 6 the kernel's passes beat a 64-point codelet. */
+    static_assert(kWholeCodeletsTo <= 5, "codelets stop at 32 points");
     if (k == 4)
         codeletWhole<Inv, 16>(out, in);
-    else if (k == 5)
-        codeletWhole<Inv, 32>(out, in);
     else
-        codeletWhole<Inv, 64>(out, in);
+        codeletWhole<Inv, 32>(out, in);
 }
 
 /* The first four stages of an even order k by 16-point codelets, two
