@@ -244,9 +244,13 @@ int firstStages(double* w, double* out, int k, In in, Order order = inIndexOrder
             return k + 1;
         }
     }
-    if ((k & 1) == 0 && k >= kPairCodeletsFrom) {
-        codeletPairs<Inv>(w, k, in, order);
-        return 6;
+    /* Only where the column runs them, so that the others don't carry
+       their code. */
+    if constexpr (kPairCodeletsFrom <= 30) {
+        if ((k & 1) == 0 && k >= kPairCodeletsFrom) {
+            codeletPairs<Inv>(w, k, in, order);
+            return 6;
+        }
     }
     firstPass<Inv>(w, k, in, order);
     return 4 + (k & 1);
