@@ -155,11 +155,11 @@ void firstPass(double* w, int k, In at, Order order)
 /* The first pass of a real inverse's core, R = 4 or 8 by the parity of
    its order, computing its inputs by the recombination instead of reading
    them (forEachMirrorGroup): the recombined values never go to memory. */
-template <bool Inv, int R>
+template <bool Inv, int R, bool BySource>
 void firstPassRecombined(double* w, const InverseInput& x, const Omn32s* rev)
 {
     const V h = set1(0.7071067811865476);
-    forEachMirrorGroup<R>(x, rev, [&](size_t i, const double* z) {
+    forEachMirrorGroup<R, BySource>(x, rev, [&](size_t i, const double* z) {
         auto val = [&](int j) { return ld(z + 2 * j); };
         if (R == 4)
             group4<Inv>(w + 2 * R * i, val);
@@ -592,11 +592,18 @@ void transformInverseRecombined(const InverseInput& x, Omn64fc* dst, const OmnFf
     double* out = reinterpret_cast<double*>(dst);
     const Omn32s* rev = static_cast<const Omn32s*>(spec->bitRev);
     int next;
+    /* By source from the order where the plain first pass walks so too. */
     if (k & 1) {
-        firstPassRecombined<true, 8>(out, x, rev);
+        if (k >= kSourceOrderFrom)
+            firstPassRecombined<true, 8, true>(out, x, rev);
+        else
+            firstPassRecombined<true, 8, false>(out, x, rev);
         next = 5;
     } else {
-        firstPassRecombined<true, 4>(out, x, rev);
+        if (k >= kSourceOrderFrom)
+            firstPassRecombined<true, 4, true>(out, x, rev);
+        else
+            firstPassRecombined<true, 4, false>(out, x, rev);
         next = 4;
     }
     passes<true>(out, k, next, static_cast<const double*>(spec->leafTwiddle), out, true);

@@ -183,7 +183,7 @@ void recombineInverse(const InverseInput& in, double* d)
 void recombineInversePermuted(const InverseInput& x, double* d, const Omn32s* rev)
 {
     static const int off[4] = { 0, 2, 1, 3 };
-    forEachMirrorGroup<4>(x, rev, [&](size_t i, const double* z) {
+    forEachMirrorGroup<4, true>(x, rev, [&](size_t i, const double* z) {
         double* g = d + 8 * i;
         for (int u = 0; u < 4; ++u) {
             g[2 * off[u]] = z[2 * u];

@@ -72,14 +72,18 @@ struct InverseInput {
    places, M - b - u M/R = b' + (R - 1 - u) M/R with b' = M/R - b, make up
    the group of b', so the two groups come from the same R/2 steps each;
    b = 0 and b = M/(2R) are groups of their own.  Calls emit(i, z) once per
-   group with its R values in natural order (re, im at z[2u], z[2u+1]). */
-template <int R, typename Emit>
+   group with its R values in natural order (re, im at z[2u], z[2u+1]).
+   The walk goes by group index, or, BySource, by b (rev is its own
+   inverse, so the group of b is the table's entry for b): the input then
+   comes in order, and the groups go out scattered. */
+template <int R, bool BySource = false, typename Emit>
 inline void forEachMirrorGroup(const InverseInput& x, const Omn32s* rev, Emit emit)
 {
     const size_t q = x.m / R;
     auto groupOf = [&](size_t g) { return static_cast<size_t>(static_cast<uint32_t>(rev[(R / 4) * g]) / 2); };
-    for (size_t i = 0; i < q; ++i) {
-        const size_t b = groupOf(i), bm = (q - b) & (q - 1);
+    for (size_t step = 0; step < q; ++step) {
+        const size_t i = BySource ? groupOf(step) : step;
+        const size_t b = BySource ? step : groupOf(step), bm = (q - b) & (q - 1);
         if (bm < b)
             continue;   /* done with its mirror group */
         double z0[2 * R], z1[2 * R];
