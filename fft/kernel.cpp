@@ -405,12 +405,62 @@ inline int64_t reverseBits(int64_t v, int bits)
     return r;
 }
 
+/* The bit reversal on k bits in place, by tiles through buf (room for
+   2^(2t+1) values).  Place x = (a, b, c), a and c of t bits and b the
+   k - 2t bits between, takes the value of (rev c, rev b, rev a): so the
+   2^2t places of one b, 2^t runs of 2^t neighbours, take the values of
+   the places of rev b, transposed with both indices reversed.  Each pair
+   of middles b, rev b is copied into buf whole and written back from it,
+   so every access to the array is a run of 2^t neighbours, where a swap
+   of single values would touch two cache lines for every value. */
+void reverseByTiles(Omn64fc* d, int k, int t, Omn64fc* buf)
+{
+    const int mid = k - 2 * t;
+    const int64_t run = int64_t(1) << t, stride = int64_t(1) << (t + mid);
+    int revT[32];
+    for (int i = 0; i < run; ++i)
+        revT[i] = static_cast<int>(reverseBits(i, t));
+    Omn64fc* const t0 = buf;
+    Omn64fc* const t1 = buf + run * run;
+    for (int64_t b = 0; b < (int64_t(1) << mid); ++b) {
+        const int64_t rb = reverseBits(b, mid);
+        if (rb < b)
+            continue;   /* done with its partner */
+        Omn64fc* const p0 = d + (b << t);
+        Omn64fc* const p1 = d + (rb << t);
+        for (int64_t a = 0; a < run; ++a)
+            memcpy(t0 + a * run, p0 + a * stride, sizeof(Omn64fc) * run);
+        const Omn64fc* const from1 = rb == b ? t0 : t1;
+        if (rb != b)
+            for (int64_t a = 0; a < run; ++a)
+                memcpy(t1 + a * run, p1 + a * stride, sizeof(Omn64fc) * run);
+        for (int64_t a = 0; a < run; ++a)
+            for (int64_t c = 0; c < run; ++c)
+                p0[a * stride + c] = from1[revT[c] * run + revT[a]];
+        if (rb != b)
+            for (int64_t a = 0; a < run; ++a)
+                for (int64_t c = 0; c < run; ++c)
+                    p1[a * stride + c] = t0[revT[c] * run + revT[a]];
+    }
+}
+
 /* Bit reversal with the w7/t7 table: element 4i + m comes from
-   rev(i) + rev2(m) N/4. */
-void permute(const Omn64fc* src, Omn64fc* dst, int k, const Omn32s* rev)
+   rev(i) + rev2(m) N/4.  In place it goes by tiles where the work memory
+   (room bytes) holds two of at least 8 by 8 values, else by swaps (which
+   is as fast where the array stays in the cache). */
+void permute(const Omn64fc* src, Omn64fc* dst, int k, const Omn32s* rev, double* work, int64_t room)
 {
     const int64_t n = int64_t(1) << k, q = n / 4;
     const int64_t off[4] = { 0, 2 * q, q, 3 * q };
+    if (src == dst && work != nullptr) {
+        int t = 0;
+        while (t < 5 && 2 * (t + 1) <= k && (int64_t(sizeof(Omn64fc)) << (2 * (t + 1) + 1)) <= room)
+            ++t;
+        if (t >= 3) {
+            reverseByTiles(dst, k, t, reinterpret_cast<Omn64fc*>(work));
+            return;
+        }
+    }
     if (src != dst) {
         for (int64_t i = 0; i < q; ++i) {
             const Omn64fc* s = src + rev[i] / 2;
@@ -551,7 +601,7 @@ void run(const Omn64fc* src, Omn64fc* dst, const OmnFftSpecRecord* spec, int k, 
     /* In place without room for the whole transform in the work memory,
        and the larger orders whose rows can't gather: permute, then the
        core. */
-    permute(src, dst, k, static_cast<const Omn32s*>(spec->bitRev));
+    permute(src, dst, k, static_cast<const Omn32s*>(spec->bitRev), work, spec->bufSize - 16);
     runPermuted<Inv>(dst, spec, k, scaled, work);
 }
 
