@@ -664,22 +664,19 @@ void transformInverseRecombined(const InverseInput& x, Omn64fc* dst, const OmnFf
 {
     double* out = reinterpret_cast<double*>(dst);
     const Omn32s* rev = static_cast<const Omn32s*>(spec->bitRev);
-    int next;
     /* By source from the order where the plain first pass walks so too. */
-    if (k & 1) {
+    const auto first = [&](auto radix) {
+        constexpr int R = decltype(radix)::value;
         if (k >= kSourceOrderFrom)
-            firstPassRecombined<true, 8, true>(out, x, rev);
+            firstPassRecombined<true, R, true>(out, x, rev);
         else
-            firstPassRecombined<true, 8, false>(out, x, rev);
-        next = 5;
-    } else {
-        if (k >= kSourceOrderFrom)
-            firstPassRecombined<true, 4, true>(out, x, rev);
-        else
-            firstPassRecombined<true, 4, false>(out, x, rev);
-        next = 4;
-    }
-    passes<true>(out, k, next, static_cast<const double*>(spec->leafTwiddle), out, true);
+            firstPassRecombined<true, R, false>(out, x, rev);
+    };
+    if (k & 1)
+        first(Radix<8>{});
+    else
+        first(Radix<4>{});
+    passes<true>(out, k, 4 + (k & 1), static_cast<const double*>(spec->leafTwiddle), out, true);
     if (scaled)
         scaleDoubles(out, size_t(2) << k, spec->scale);
 }
