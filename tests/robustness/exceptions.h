@@ -38,6 +38,14 @@ inline const Unswept kUnswept[] = {
     { "omnsFree",             "returns nothing; a null block is a no-op (tested in test_alloc)" },
 };
 
+inline const char* unsweptReason(const char* name)
+{
+    for (const Unswept& u : kUnswept)
+        if (strcmp(u.name, name) == 0)
+            return u.reason;
+    return nullptr;
+}
+
 /* Pointer arguments that may be null: the call goes on and does the work
    another way (a null work buffer makes the call allocate its own; a null
    mask pointer skips the bracket of the floating-point controls). */
