@@ -13,6 +13,7 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include <algorithm>
 #include <string>
 #include <tuple>
 #include <type_traits>
@@ -302,11 +303,23 @@ namespace cols {
 } // namespace cols
 
 struct Entry {
+    unsigned id;            /* 16 bits of a hash of the name: a stable selector */
     const char* name;
     const char* params;
     const void* fns;
     void (*run)(const Entry&, Bytes&);
 };
+
+/* The first two input bytes pick the export with the nearest id at or above
+   them, so that a saved input keeps naming the same export when others join
+   the list. */
+unsigned nameId(const char* name)
+{
+    uint32_t h = 2166136261u;
+    for (const char* p = name; *p; ++p)
+        h = (h ^ static_cast<uint8_t>(*p)) * 16777619u;
+    return (h ^ (h >> 16)) & 0xFFFF;
+}
 
 template <typename R, typename... A>
 void trampoline(const Entry& e, Bytes& in)
@@ -319,7 +332,7 @@ template <typename R, typename... A>
 void add(std::vector<Entry>& v, const char* name, const char* params, R (*const (&fns)[4])(A...))
 {
     if (Runner<R, A...>::eligible(name, params))
-        v.push_back(Entry{ name, params, &fns, &trampoline<R, A...> });
+        v.push_back(Entry{ nameId(name), name, params, &fns, &trampoline<R, A...> });
 }
 
 const std::vector<Entry>& entries()
@@ -331,6 +344,7 @@ const std::vector<Entry>& entries()
 #include "omns_exports.h"
 #undef OMN_EXPORT
 #undef OMN_EXPORT_COMMON
+        std::sort(v.begin(), v.end(), [](const Entry& a, const Entry& b) { return a.id < b.id; });
         return v;
     }();
     return list;
@@ -348,7 +362,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         return 0;
     Bytes in{ data, size };
     const unsigned pick = (static_cast<unsigned>(in.byte()) << 8) | in.byte();
-    const Entry& e = list[pick % list.size()];
+    size_t k = 0;
+    while (k < list.size() && list[k].id < pick)
+        ++k;
+    const Entry& e = list[k % list.size()];
     e.run(e, in);
     return 0;
 }
@@ -363,8 +380,8 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
         for (size_t i = 0; i < list.size(); ++i) {
             /* index, length 8, then small-value data and parameters */
             uint8_t seed[64];
-            seed[0] = static_cast<uint8_t>(i >> 8);
-            seed[1] = static_cast<uint8_t>(i);
+            seed[0] = static_cast<uint8_t>(list[i].id >> 8);
+            seed[1] = static_cast<uint8_t>(list[i].id);
             seed[2] = 7;
             for (size_t k = 3; k < sizeof seed; ++k)
                 seed[k] = static_cast<uint8_t>(k % 3 == 0 ? 1 : (k * 37) & 0x3F);
