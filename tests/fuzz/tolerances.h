@@ -98,11 +98,12 @@ struct Call {
 inline bool ordinary(double x) { return isfinite(x) && (x == 0 || fabs(x) >= 0x1p-1022); }
 inline bool positiveNormal(double x) { return isfinite(x) && x >= 0x1p-1022; }
 
-/* Exports the fuzzer leaves out. */
+/* Exports the fuzzer leaves out: how much the rate changers write is set by
+   their factor, which the fuzzer draws from the whole int range, and their
+   one routine is shared by all columns. */
 inline bool excluded(const char* name)
 {
-    (void)name;
-    return false;
+    return strncmp(name, "omnsSampleUp_", 13) == 0 || strncmp(name, "omnsSampleDown_", 15) == 0;
 }
 
 /* Square root: the columns keep their own tables for negative, zero, NaN,

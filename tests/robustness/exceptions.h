@@ -75,7 +75,7 @@ inline bool writesDespiteReject(const char* function)
    length (below 1 is -6) right after the pointers. */
 inline bool isLength(const char* param)
 {
-    return strcmp(param, "len") == 0;
+    return strcmp(param, "len") == 0 || strcmp(param, "srcLen") == 0;
 }
 
 /* The accuracy-class functions test the length before the pointers, and so
