@@ -272,5 +272,11 @@ OMN_EXPORT(OmnStatus, omnsMulPack_64f,       (const Omn64f* pSrc1, const Omn64f*
 OMN_EXPORT(OmnStatus, omnsMulPerm_64f,       (const Omn64f* pSrc1, const Omn64f* pSrc2, Omn64f* pDst, int len))
 OMN_EXPORT(OmnStatus, omnsMulPackConj_64f_I, (const Omn64f* pSrc, Omn64f* pSrcDst, int len))
 
+/* Up- and down-sampling without filtering; the phase carries across calls */
+OMN_EXPORT(OmnStatus, omnsSampleUp_64f,    (const Omn64f* pSrc, int srcLen, Omn64f* pDst, int* pDstLen, int factor, int* pPhase))
+OMN_EXPORT(OmnStatus, omnsSampleUp_64fc,   (const Omn64fc* pSrc, int srcLen, Omn64fc* pDst, int* pDstLen, int factor, int* pPhase))
+OMN_EXPORT(OmnStatus, omnsSampleDown_64f,  (const Omn64f* pSrc, int srcLen, Omn64f* pDst, int* pDstLen, int factor, int* pPhase))
+OMN_EXPORT(OmnStatus, omnsSampleDown_64fc, (const Omn64fc* pSrc, int srcLen, Omn64fc* pDst, int* pDstLen, int factor, int* pPhase))
+
 /* Version record of the accuracy-class group */
 OMN_EXPORT(const OmnLibVersion*, omnvmGetLibVersion, (void))
